@@ -1,0 +1,19 @@
+# What every target of the project shares: the language level, the warnings, hidden symbols.
+function(korassoc_defaults target)
+  target_compile_features(${target} PUBLIC cxx_std_20)
+  set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF CXX_VISIBILITY_PRESET hidden
+                                             VISIBILITY_INLINES_HIDDEN ON)
+  if(NOT MSVC)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+                                             $<$<BOOL:${KORASSOC_WERROR}>:-Werror>)
+  endif()
+endfunction()
+
+# korassoc_test(SetDictionary [extra sources...]) builds SetDictionaryTest.cpp of the calling folder and
+# registers its tests. Tests see the library's inner classes too: they link its objects, not the shared library.
+function(korassoc_test name)
+  add_executable(${name}Test ${name}Test.cpp ${ARGN})
+  korassoc_defaults(${name}Test)
+  target_link_libraries(${name}Test PRIVATE korassoc_testable GTest::gmock GTest::gtest_main)
+  gtest_discover_tests(${name}Test DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600)
+endfunction()

@@ -1,0 +1,15 @@
+// The texts by which the library names itself: version string, copyright line, product names.
+
+#pragma once
+
+#include <string>
+
+namespace korassoc::detail {
+
+// "(C) Copyright 2026 Talvane. All rights reserved.": the copyright line of every document.
+const char* copyrightNotice();
+
+// What CarmaAssociationAlgorithm::GetComponentVersion() answers: product, version, a blank, the copyright line.
+std::string componentVersion();
+
+}  // namespace korassoc::detail
