@@ -1,0 +1,211 @@
+#include "korassoc/base/BinaryRecord.h"
+
+#include <algorithm>
+#include <bit>
+#include <cassert>
+#include <cstring>
+#include <ios>
+#include <utility>
+
+namespace korassoc::detail {
+namespace {
+
+static_assert(sizeof(int) == kInt32Bytes, "stored integers are 32 bits wide");
+static_assert(sizeof(double) == kFloat64Bytes, "stored doubles are 64 bits wide");
+
+// A length below this is tried without asking for the end of the stream, and memory grows by steps of it.
+constexpr std::size_t kTrustedBytes = 65536;
+
+// The compiler makes one move of each of these where the machine is little-endian.
+void store32(char* to, std::uint32_t bits) {
+  for (int i = 0; i < 4; ++i) to[i] = static_cast<char>(static_cast<unsigned char>(bits >> (8 * i)));
+}
+
+std::uint32_t load32(const char* from) {
+  std::uint32_t bits = 0;
+  for (int i = 0; i < 4; ++i)
+    bits |= static_cast<std::uint32_t>(static_cast<unsigned char>(from[i])) << (8 * i);
+  return bits;
+}
+
+}  // namespace
+
+void storeInt32(char* to, std::int32_t value) { store32(to, std::bit_cast<std::uint32_t>(value)); }
+
+std::int32_t loadInt32(const char* from) { return std::bit_cast<std::int32_t>(load32(from)); }
+
+void storeFloat64(char* to, double value) {
+  const auto bits = std::bit_cast<std::uint64_t>(value);
+  store32(to, static_cast<std::uint32_t>(bits));
+  store32(to + 4, static_cast<std::uint32_t>(bits >> 32));
+}
+
+double loadFloat64(const char* from) {
+  return std::bit_cast<double>(static_cast<std::uint64_t>(load32(from)) |
+                               static_cast<std::uint64_t>(load32(from + 4)) << 32);
+}
+
+BinaryWriter::~BinaryWriter() {
+  try {
+    finish();
+  } catch (...) {  // a stream that throws on failure; its state tells the rest
+  }
+}
+
+char* BinaryWriter::room(std::size_t size) {
+  if (buffer_.size() - used_ < size) finish();
+  char* place = buffer_.data() + used_;
+  used_ += size;
+  count_ += size;
+  return place;
+}
+
+void BinaryWriter::int32(std::int32_t value) { storeInt32(room(kInt32Bytes), value); }
+
+void BinaryWriter::int32s(std::span<const std::int32_t> values) {
+  for (const std::int32_t value : values) int32(value);
+}
+
+void BinaryWriter::float64(double value) { storeFloat64(room(kFloat64Bytes), value); }
+
+void BinaryWriter::flag(bool value) { *room(1) = value ? '1' : '0'; }
+
+void BinaryWriter::text(std::string_view characters) {
+  int32(static_cast<std::int32_t>(characters.size() + 1));
+  bytes(characters.data(), characters.size());
+  *room(1) = '\0';
+}
+
+void BinaryWriter::bytes(const char* data, std::size_t size) {
+  while (size > 0) {
+    const std::size_t piece = std::min(size, buffer_.size());
+    std::memcpy(room(piece), data, piece);
+    data += piece;
+    size -= piece;
+  }
+}
+
+std::uint64_t BinaryWriter::finish() {
+  const auto size = static_cast<std::streamsize>(used_);
+  used_ = 0;
+  if (size > 0 && out_.good() && out_.rdbuf()->sputn(buffer_.data(), size) != size) {
+    out_.setstate(std::ios_base::badbit);
+  }
+  return count_;
+}
+
+bool BinaryReader::raw(char* to, std::size_t size) {
+  if (!in_.good()) {
+    in_.setstate(std::ios_base::failbit);
+    return false;
+  }
+  const auto wanted = static_cast<std::streamsize>(size);
+  const std::streamsize got = in_.rdbuf()->sgetn(to, wanted);
+  count_ += static_cast<std::uint64_t>(std::max<std::streamsize>(got, 0));
+  if (got == wanted) return true;
+  in_.setstate(std::ios_base::failbit | std::ios_base::eofbit);
+  return false;
+}
+
+bool BinaryReader::tag(std::string_view expected, std::string* found) {
+  std::array<char, 16> characters;
+  assert(expected.size() <= characters.size());
+  const std::uint64_t before = count_;
+  const bool read = raw(characters.data(), expected.size());
+  const std::string_view seen(characters.data(), static_cast<std::size_t>(count_ - before));
+  if (found != nullptr) *found = seen;
+  return read && seen == expected;
+}
+
+bool BinaryReader::int32(std::int32_t& value) { return int32s({&value}); }
+
+bool BinaryReader::int32s(std::initializer_list<std::int32_t*> targets) {
+  std::array<char, 16 * kInt32Bytes> bytes;
+  assert(targets.size() * kInt32Bytes <= bytes.size());
+  if (!raw(bytes.data(), targets.size() * kInt32Bytes)) return false;
+  const char* from = bytes.data();
+  for (std::int32_t* target : targets) {
+    *target = loadInt32(from);
+    from += kInt32Bytes;
+  }
+  return true;
+}
+
+bool BinaryReader::int32s(std::span<std::int32_t> values) {
+  std::array<char, 256> bytes;
+  while (!values.empty()) {
+    const std::size_t piece = std::min(values.size(), bytes.size() / kInt32Bytes);
+    if (!raw(bytes.data(), piece * kInt32Bytes)) return false;
+    for (std::size_t i = 0; i < piece; ++i) values[i] = loadInt32(bytes.data() + i * kInt32Bytes);
+    values = values.subspan(piece);
+  }
+  return true;
+}
+
+bool BinaryReader::int32s(std::vector<std::int32_t>& values, std::int32_t count) {
+  values.clear();
+  if (count < 0 || !holds(static_cast<std::uint64_t>(count) * kInt32Bytes)) {
+    in_.setstate(std::ios_base::failbit);
+    return false;
+  }
+  const auto total = static_cast<std::size_t>(count);
+  while (values.size() < total) {
+    const std::size_t piece = std::min(total - values.size(), kTrustedBytes / kInt32Bytes);
+    values.resize(values.size() + piece);
+    if (!int32s(std::span(values).last(piece))) return false;
+  }
+  return true;
+}
+
+bool BinaryReader::float64(double& value) {
+  std::array<char, kFloat64Bytes> bytes;
+  if (!raw(bytes.data(), bytes.size())) return false;
+  value = loadFloat64(bytes.data());
+  return true;
+}
+
+bool BinaryReader::character(char& value) { return raw(&value, 1); }
+
+bool BinaryReader::text(std::string& value) {
+  std::int32_t length = 0;
+  if (!int32(length)) return false;
+  if (length < 1 || !holds(static_cast<std::uint64_t>(length))) {
+    in_.setstate(std::ios_base::failbit);
+    return false;
+  }
+  std::string characters;
+  const auto total = static_cast<std::size_t>(length);
+  while (characters.size() < total) {
+    const std::size_t have = characters.size();
+    characters.resize(have + std::min(total - have, kTrustedBytes));
+    if (!raw(characters.data() + have, characters.size() - have)) return false;
+  }
+  const std::size_t end = characters.find('\0');
+  if (end == std::string::npos) {
+    in_.setstate(std::ios_base::failbit);
+    return false;
+  }
+  characters.resize(end);
+  value = std::move(characters);
+  return true;
+}
+
+bool BinaryReader::holds(std::uint64_t bytes) {
+  if (!in_.good()) return false;
+  if (bytes <= kTrustedBytes) return true;
+  std::streambuf& buffer = *in_.rdbuf();
+  const std::streamsize available = buffer.in_avail();
+  if (available > 0 && static_cast<std::uint64_t>(available) >= bytes) return true;
+  constexpr auto side = std::ios_base::in;
+  const std::streampos here = buffer.pubseekoff(0, std::ios_base::cur, side);
+  if (here == std::streampos(-1)) return true;
+  const std::streampos end = buffer.pubseekoff(0, std::ios_base::end, side);
+  if (buffer.pubseekpos(here, side) != here) {
+    in_.setstate(std::ios_base::badbit);
+    return false;
+  }
+  const std::streamoff left = end == std::streampos(-1) ? -1 : end - here;
+  return end == std::streampos(-1) || (left >= 0 && static_cast<std::uint64_t>(left) >= bytes);
+}
+
+}  // namespace korassoc::detail

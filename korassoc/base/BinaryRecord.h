@@ -1,0 +1,116 @@
+// The binary form of every saved record: little-endian values one after the other, nothing between them.
+
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <istream>
+#include <ostream>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace korassoc::detail {
+
+inline constexpr std::size_t kInt32Bytes = 4;
+inline constexpr std::size_t kFloat64Bytes = 8;
+
+// One value in little-endian bytes, at a place that has room for it; for files with a layout of their own.
+void storeInt32(char* to, std::int32_t value);
+std::int32_t loadInt32(const char* from);
+void storeFloat64(char* to, double value);
+double loadFloat64(const char* from);
+
+// Writes one record, and counts its bytes. Small values are gathered and handed to the stream in larger
+// pieces:
+//
+//   BinaryWriter record(stream);
+//   record.tag("CSD");
+//   record.int32(count);
+//   record.int32(tid);
+//   return record.finish();
+//
+// A record that holds another one calls finish() before the inner record's writer starts, and may go on after
+// it. Errors: a stream that takes less than it is given gets its bad bit; a stream that has failed is left
+// alone. The count goes on all the same, so the caller looks at the stream's state.
+class BinaryWriter {
+ public:
+  explicit BinaryWriter(std::ostream& out) : out_(out) {}
+  ~BinaryWriter();  // hands over what is left, without ever throwing
+  BinaryWriter(const BinaryWriter&) = delete;
+  BinaryWriter& operator=(const BinaryWriter&) = delete;
+
+  void tag(std::string_view characters) { bytes(characters.data(), characters.size()); }
+  void int32(std::int32_t value);
+  void int32s(std::span<const std::int32_t> values);
+  void float64(double value);
+  void flag(bool value);  // the character 1 or 0
+
+  // Length with the terminating zero as an int, then the characters and the zero. Requires text without zeros
+  // and shorter than 2^31 - 1.
+  void text(std::string_view characters);
+  void bytes(const char* data, std::size_t size);
+
+  // Hands everything gathered so far to the stream (without flushing the stream itself). Returns the bytes
+  // written through this writer since it was made.
+  std::uint64_t finish();
+
+ private:
+  char* room(std::size_t size);  // a place for size <= capacity bytes in the buffer
+
+  std::ostream& out_;
+  std::uint64_t count_ = 0;
+  std::size_t used_ = 0;
+  std::array<char, 256> buffer_;  // its first used_ bytes wait for the stream
+};
+
+// Reads one record, and counts its bytes. It never reads ahead, so the next reader finds the stream where
+// this record ended:
+//
+//   BinaryReader record(stream);
+//   if (!record.tag("CSD") || !record.int32s({&count, &tid, &maxMissed})) ...refuse...
+//
+// Every read answers false when the stream has failed or ends too early; the stream then has its fail bit
+// (and its end bit), the targets that were not filled keep their values, and all further reads are false too.
+class BinaryReader {
+ public:
+  explicit BinaryReader(std::istream& in) : in_(in) {}
+  BinaryReader(const BinaryReader&) = delete;
+  BinaryReader& operator=(const BinaryReader&) = delete;
+
+  // Reads as many characters as expected has and says whether they are the same. What was read goes to found
+  // (as many characters as the stream gave).
+  bool tag(std::string_view expected, std::string* found = nullptr);
+  bool int32(std::int32_t& value);
+  bool int32s(std::initializer_list<std::int32_t*> targets);  // in order, all or none; at most 16
+  bool int32s(std::span<std::int32_t> values);
+  bool float64(double& value);
+  bool character(char& value);
+
+  // Reads count ints into values (emptied first). The memory grows with what the stream really gives, never
+  // on the word of count; a negative count is refused.
+  bool int32s(std::vector<std::int32_t>& values, std::int32_t count);
+
+  // Reads a length that counts a terminating zero and as many bytes. The text ends at the first zero. Refuses
+  // a length below 1 or beyond the end of the stream, and a text without its zero; memory grows as above.
+  bool text(std::string& value);
+
+  // Whether the stream still holds that many bytes. Few bytes are believed at once, since reading them will
+  // tell; for more the end of the stream is looked up, so ask once before a large read. A stream that cannot
+  // tell where it ends answers true.
+  bool holds(std::uint64_t bytes);
+
+  // Bytes read through this reader.
+  std::uint64_t count() const { return count_; }
+
+ private:
+  bool raw(char* to, std::size_t size);
+
+  std::istream& in_;
+  std::uint64_t count_ = 0;
+};
+
+}  // namespace korassoc::detail
