@@ -1,0 +1,52 @@
+// The settings that every association algorithm has: limits on lengths, the dictionary's settings, the
+// listener.
+
+#pragma once
+
+#include <cstdint>
+#include <fstream>
+#include <memory>
+
+#include "korassoc/base/Export.h"
+#include "korassoc/engine/DictionarySettings.h"
+#include "korassoc/engine/ProgressListener.h"
+
+// Owns its progress listener, which is not part of the saved record: a reading object keeps its own. Not
+// copyable.
+class KORASSOC_EXPORT AssociationAlgorithmSettings {
+ public:
+  AssociationAlgorithmSettings();
+  AssociationAlgorithmSettings(const AssociationAlgorithmSettings&) = delete;
+  AssociationAlgorithmSettings& operator=(const AssociationAlgorithmSettings&) = delete;
+  virtual ~AssociationAlgorithmSettings();
+
+  // The binary record, "AAS". Both return its length in bytes; writing flushes the stream. Reading a wrong
+  // tag or a record that is cut short writes a line to standard output and returns 0; a failure of the
+  // dictionary's settings inside is thrown as an IOException, as a pointer.
+  virtual std::uint64_t ReadObject(std::fstream& stream);
+  virtual std::uint64_t WriteObject(std::fstream& stream) const;
+
+  DictionarySettings& GetDictionarySettings() { return dictionarySettings_; }
+  const DictionarySettings& GetDictionarySettings() const { return dictionarySettings_; }
+
+  // The length of transactions that the engine prepares for, in items; longer ones are handled too. Default
+  // 1000.
+  int GetMaxTranLength() const { return maxTranLength_; }
+  void SetMaxTranLength(int items) { maxTranLength_ = items; }
+
+  // The largest itemset kept, in items. Default 10.
+  int GetMaxLengthSet() const { return maxLengthSet_; }
+  void SetMaxLengthSet(int items) { maxLengthSet_ = items; }
+
+  // The listener, null when none is installed. It stays the settings'.
+  ProgressListener* GetProgressListener() const { return progressListener_.get(); }
+
+  // Takes ownership of listener, which may be null, and deletes the one installed before.
+  void SetProgressListener(ProgressListener* listener);
+
+ private:
+  DictionarySettings dictionarySettings_;
+  int maxTranLength_ = 1000;
+  int maxLengthSet_ = 10;
+  std::unique_ptr<ProgressListener> progressListener_;
+};

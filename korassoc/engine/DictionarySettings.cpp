@@ -1,0 +1,97 @@
+#include "korassoc/engine/DictionarySettings.h"
+
+#include <cstddef>
+#include <exception>
+#include <filesystem>
+#include <iostream>
+#include <random>
+#include <string_view>
+#include <utility>
+
+#include "korassoc/base/BinaryRecord.h"
+#include "korassoc/engine/Exceptions.h"
+
+using korassoc::detail::BinaryReader;
+using korassoc::detail::BinaryWriter;
+
+namespace {
+
+// How the name of a made-up file begins. Saved states carry such names, so this is how a reader knows them.
+constexpr std::string_view kMadeUpPrefix = "korassoc-unnamed-";
+
+std::string temporaryDirectory() {
+  try {
+    return std::filesystem::temp_directory_path().string();
+  } catch (const std::exception&) {  // no such directory, or a name that has no narrow form
+    return ".";
+  }
+}
+
+std::string madeUpName() {
+  static constexpr char kDigits[] = "0123456789abcdef";
+  std::string name(kMadeUpPrefix);
+  std::random_device random;
+  for (int word = 0; word < 4; ++word) {
+    unsigned int bits = random();
+    for (int digit = 0; digit < 8; ++digit, bits >>= 4) name += kDigits[bits & 15U];
+  }
+  return temporaryDirectory() + '/' + name;
+}
+
+// Names that no host chose: the library's own, and the presence flag that an XML state stores in the name's
+// place.
+bool isChosenByHost(const std::string& name) {
+  const std::size_t separator = name.find_last_of("/\\");
+  const std::string_view file =
+      std::string_view(name).substr(separator == std::string::npos ? 0 : separator + 1);
+  return !file.starts_with(kMadeUpPrefix) && name != "1" && name != "0";
+}
+
+[[noreturn]] void refuseRecord() {
+  std::cout << "Error reading DictionarySettings!\n";
+  throw new IOException();
+}
+
+}  // namespace
+
+DictionarySettings::DictionarySettings() : spillFileName_(madeUpName()) {}
+
+void DictionarySettings::SetSpillFileName(const char* name) {
+  if (name == spillFileName_.c_str()) return;
+  spillFileNameChosen_ = name != nullptr;
+  if (name != nullptr) {
+    spillFileName_ = name;
+  } else {
+    spillFileName_ = madeUpName();
+  }
+}
+
+std::uint64_t DictionarySettings::WriteObject(std::fstream& stream) const {
+  BinaryWriter record(stream);
+  record.tag("DS");
+  record.text(spillFileName_);
+  record.int32(numberOfFixedSets_);
+  record.int32(initialSetSize_);
+  record.int32(initialBoundarySize_);
+  record.int32(initialBoundarySearchSize_);
+  record.int32(initialHashtableSet23Size_);
+  record.int32(initialRulesSize_);
+  record.int32(reportFrequency_);
+  record.int32(maxInStoreSets_);
+  record.int32(leaveInMainStoreCount_);
+  return record.finish();
+}
+
+std::uint64_t DictionarySettings::ReadObject(std::fstream& stream) {
+  BinaryReader record(stream);
+  std::string name;
+  if (!record.tag("DS") || !record.text(name) ||
+      !record.int32s({&numberOfFixedSets_, &initialSetSize_, &initialBoundarySize_,
+                      &initialBoundarySearchSize_, &initialHashtableSet23Size_, &initialRulesSize_,
+                      &reportFrequency_, &maxInStoreSets_, &leaveInMainStoreCount_})) {
+    refuseRecord();
+  }
+  spillFileNameChosen_ = isChosenByHost(name);
+  spillFileName_ = std::move(name);
+  return record.count();
+}

@@ -1,0 +1,3 @@
+#include "korassoc/engine/ProgressListener.h"
+
+ProgressListener::~ProgressListener() = default;

@@ -1,0 +1,17 @@
+// Who is told how a run proceeds.
+
+#pragma once
+
+#include "korassoc/base/Export.h"
+
+class ProgressReport;
+
+// Implemented by the host; owned by the settings once installed there.
+class KORASSOC_EXPORT ProgressListener {
+ public:
+  virtual ~ProgressListener();
+
+  // Called on the engine's thread at each report point. The report dies when the call returns. Cancel() of
+  // the engine may be called from here and stops the running phase at its next check.
+  virtual void OnProgress(ProgressReport* report) = 0;
+};

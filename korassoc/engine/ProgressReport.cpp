@@ -1,0 +1,3 @@
+#include "korassoc/engine/ProgressReport.h"
+
+ProgressReport::~ProgressReport() = default;

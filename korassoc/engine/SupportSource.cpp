@@ -1,0 +1,3 @@
+#include "korassoc/engine/SupportSource.h"
+
+SupportSource::~SupportSource() = default;

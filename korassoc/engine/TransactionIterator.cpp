@@ -1,0 +1,3 @@
+#include "korassoc/engine/TransactionIterator.h"
+
+TransactionIterator::~TransactionIterator() = default;
