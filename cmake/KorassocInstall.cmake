@@ -1,0 +1,21 @@
+# What `cmake --install` lays down: the library, its headers, the tool, and what find_package(korassoc) reads.
+include(CMakePackageConfigHelpers)
+include(GNUInstallDirs)
+
+install(TARGETS korassoc EXPORT korassocTargets FILE_SET HEADERS)
+if(TARGET korassoc_cli)
+  # The tool finds the library beside itself, wherever the prefix is moved to.
+  file(RELATIVE_PATH toLibraries ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+  set_target_properties(korassoc_cli PROPERTIES INSTALL_RPATH
+                        $<IF:$<PLATFORM_ID:Darwin>,@loader_path,$ORIGIN>/${toLibraries})
+  install(TARGETS korassoc_cli)
+endif()
+
+set(packageFolder ${CMAKE_INSTALL_LIBDIR}/cmake/korassoc)
+install(EXPORT korassocTargets NAMESPACE korassoc:: DESTINATION ${packageFolder})
+configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/korassocConfig.cmake.in
+                              ${PROJECT_BINARY_DIR}/korassocConfig.cmake
+                              INSTALL_DESTINATION ${packageFolder})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/korassocConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/korassocConfig.cmake ${PROJECT_BINARY_DIR}/korassocConfigVersion.cmake
+        DESTINATION ${packageFolder})
