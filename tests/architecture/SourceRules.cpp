@@ -1,0 +1,163 @@
+#include "tests/architecture/SourceRules.h"
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <sstream>
+#include <utility>
+
+namespace korassoc::architecture {
+namespace {
+
+constexpr std::string_view kUmbrella = "korassoc/korassoc.h";
+constexpr std::string_view kExportMacro = "korassoc/base/Export.h";
+constexpr int kEngineMachine = 6;
+constexpr int kUmbrellaFloor = 7;
+constexpr int kToolFloor = 8;
+
+// What dictionary, rules and engine share of korassoc/engine: file names without their ending.
+constexpr std::array<std::string_view, 12> kVocabulary = {"AssociationAlgorithmSettings",
+                                                          "CarmaSettings",
+                                                          "CreateRulesReporter",
+                                                          "DictionarySettings",
+                                                          "Exceptions",
+                                                          "KorStatus",
+                                                          "MultiPassTransIter",
+                                                          "ProgressListener",
+                                                          "ProgressReport",
+                                                          "SupportSource",
+                                                          "Transaction",
+                                                          "TransactionIterator"};
+
+std::string_view stem(std::string_view path) {
+  const std::string_view name = path.substr(path.rfind('/') + 1);
+  return name.substr(0, name.find('.'));
+}
+
+bool isHeader(const SourceFile& file) { return file.path.ends_with(".h"); }
+
+std::string at(const std::string& path, std::size_t line) { return path + ":" + std::to_string(line) + ": "; }
+
+std::string onFloor(int floor) { return " (floor " + std::to_string(floor) + ")"; }
+
+// What is wrong with one include of a file, or nothing.
+std::string breach(const SourceFile& file, const Include& include) {
+  const std::optional<int> from = floorOf(file.path);
+  const std::optional<int> to = floorOf(include.path);
+  const bool intoLibrary = to && *to < kToolFloor;
+  if (!from || *from == kToolFloor) {
+    if (intoLibrary && include.path != kUmbrella) return "sees the library through " + std::string(kUmbrella);
+    if (!from || to) return {};
+  }
+  if (!to) return "includes are written from the root and stay in the library: " + include.path;
+  if (*to <= *from) return {};
+  return file.path + onFloor(*from) + " includes " + include.path + onFloor(*to) + " above it";
+}
+
+}  // namespace
+
+std::vector<SourceFile> readSources(const std::filesystem::path& root,
+                                    const std::vector<std::string>& folders) {
+  std::vector<SourceFile> files;
+  for (const std::string& folder : folders) {
+    if (!std::filesystem::is_directory(root / folder)) continue;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(root / folder)) {
+      const std::filesystem::path& path = entry.path();
+      if (!entry.is_regular_file() || (path.extension() != ".h" && path.extension() != ".cpp")) continue;
+      std::ifstream in(path, std::ios::binary);
+      files.push_back({std::filesystem::relative(path, root).generic_string(),
+                       std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>())});
+    }
+  }
+  std::sort(files.begin(), files.end(),
+            [](const SourceFile& a, const SourceFile& b) { return a.path < b.path; });
+  return files;
+}
+
+std::vector<Include> quotedIncludes(std::string_view text) {
+  std::vector<Include> includes;
+  std::istringstream lines{std::string(text)};
+  std::string line;
+  for (std::size_t number = 1; std::getline(lines, line); ++number) {
+    std::istringstream words(line);
+    std::string directive, target;
+    words >> std::ws;
+    if (words.peek() != '#') continue;
+    words.get();
+    words >> directive >> target;
+    if (directive.starts_with("include\"")) target = directive.substr(7);
+    if (!directive.starts_with("include") || target.size() < 2 || target.front() != '"') continue;
+    includes.push_back({target.substr(1, target.find('"', 1) - 1), number});
+  }
+  return includes;
+}
+
+std::optional<int> floorOf(std::string_view path) {
+  const auto within = [path](std::string_view folder) { return path.starts_with(folder); };
+  if (path == kUmbrella) return kUmbrellaFloor;
+  if (within("cli/")) return kToolFloor;
+  if (within("korassoc/itemsets/") || within("korassoc/base/")) return 0;
+  if (within("korassoc/xml/export/")) return 5;
+  if (within("korassoc/xml/")) return 1;
+  if (within("korassoc/dictionary/")) return 3;
+  if (within("korassoc/rules/")) return 4;
+  if (!within("korassoc/engine/")) return std::nullopt;
+  return std::find(kVocabulary.begin(), kVocabulary.end(), stem(path)) != kVocabulary.end() ? 2
+                                                                                            : kEngineMachine;
+}
+
+std::vector<std::string> upwardIncludes(const std::vector<SourceFile>& files) {
+  std::vector<std::string> breaches;
+  for (const SourceFile& file : files) {
+    if (file.path.starts_with("korassoc/") && !floorOf(file.path)) {
+      breaches.push_back(at(file.path, 1) + "lives on no floor of the library");
+      continue;
+    }
+    for (const Include& include : quotedIncludes(file.text)) {
+      const std::string wrong = breach(file, include);
+      if (!wrong.empty()) breaches.push_back(at(file.path, include.line) + wrong);
+    }
+  }
+  return breaches;
+}
+
+std::vector<std::string> unguardedHeaders(const std::vector<SourceFile>& files) {
+  std::vector<std::string> breaches;
+  for (const SourceFile& file : files) {
+    if (!isHeader(file) || file.text.starts_with("#pragma once\n")) continue;
+    if (file.text.find("\n#pragma once\n") == std::string::npos) {
+      breaches.push_back(at(file.path, 1) + "a header without #pragma once");
+    }
+  }
+  return breaches;
+}
+
+std::vector<std::string> longFiles(const std::vector<SourceFile>& files, std::size_t limit) {
+  std::vector<std::string> breaches;
+  for (const SourceFile& file : files) {
+    const auto lines = static_cast<std::size_t>(std::count(file.text.begin(), file.text.end(), '\n'));
+    if (lines > limit)
+      breaches.push_back(at(file.path, lines) + "more than " + std::to_string(limit) + " lines");
+  }
+  return breaches;
+}
+
+std::vector<std::string> missingFromUmbrella(const std::vector<SourceFile>& files) {
+  std::set<std::string, std::less<>> included;
+  for (const SourceFile& file : files) {
+    if (file.path != kUmbrella) continue;
+    for (const Include& include : quotedIncludes(file.text)) included.insert(include.path);
+  }
+  std::vector<std::string> breaches;
+  for (const SourceFile& file : files) {
+    if (!isHeader(file) || file.path == kUmbrella || file.path == kExportMacro) continue;
+    if (file.text.find("KORASSOC_EXPORT") == std::string::npos || included.contains(file.path)) continue;
+    breaches.push_back(at(file.path, 1) + "exports something, but " + std::string(kUmbrella) +
+                       " leaves it out");
+  }
+  return breaches;
+}
+
+}  // namespace korassoc::architecture
