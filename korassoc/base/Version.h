@@ -9,7 +9,7 @@ namespace korassoc::detail {
 // "(C) Copyright 2026 Talvane. All rights reserved.": the copyright line of every document.
 const char* copyrightNotice();
 
-// What CarmaAssociationAlgorithm::GetComponentVersion() answers: product, version, a blank, the copyright line.
+// The answer of CarmaAssociationAlgorithm::GetComponentVersion(): product, version, a blank, the copyright.
 std::string componentVersion();
 
 }  // namespace korassoc::detail
