@@ -3,6 +3,11 @@
 #pragma once
 
 #include "korassoc/base/Export.h"
+#include "korassoc/dictionary/CarmaSetDescriptor.h"
+#include "korassoc/dictionary/HashTable.h"
+#include "korassoc/dictionary/LatticeSetDescriptor.h"
+#include "korassoc/dictionary/SemiLattice.h"
+#include "korassoc/dictionary/SetCounter.h"
 #include "korassoc/engine/AssociationAlgorithmSettings.h"
 #include "korassoc/engine/CarmaSettings.h"
 #include "korassoc/engine/DictionarySettings.h"

@@ -5,8 +5,8 @@
 #include "korassoc/base/Export.h"
 
 // All three carry no data: what went wrong has been written to the diagnostic streams before. IOException and
-// DictionaryFailure are thrown as pointers to new objects and caught by catch-all handlers at the engine's
-// border, which turn them into a KorStatus; no handler uses or frees the object.
+// DictionaryFailure are thrown as pointers to new objects; who catches them lets discardCurrentException()
+// free them. The engine's border turns them into a KorStatus.
 
 // A record could not be read or written.
 class KORASSOC_EXPORT IOException {};
@@ -17,3 +17,11 @@ class KORASSOC_EXPORT DictionaryFailure {};
 // A file does not exist. The library never throws it; the spill store catches it by value, beside an
 // IOException by value, for code of a host that might.
 class KORASSOC_EXPORT FileNotFoundException {};
+
+namespace korassoc::detail {
+
+// To be called in a catch-all handler: frees the object behind a pointer that is being handled, if it is one
+// of the above. Any other exception is left alone.
+KORASSOC_EXPORT void discardCurrentException();
+
+}  // namespace korassoc::detail

@@ -1,0 +1,3 @@
+#include "korassoc/dictionary/SemiLattice.h"
+
+SemiLattice::~SemiLattice() = default;
