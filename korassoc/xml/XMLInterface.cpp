@@ -1,0 +1,7 @@
+#include "korassoc/xml/XMLInterface.h"
+
+namespace KorAssocXML {
+
+XMLInterface::~XMLInterface() = default;
+
+}  // namespace KorAssocXML
