@@ -4,45 +4,35 @@
 #include <cassert>
 #include <cstring>
 #include <iostream>
-#include <limits>
-#include <new>
 #include <string>
 #include <utility>
 
+#include "korassoc/itemsets/IntStorage.h"
 #include "korassoc/itemsets/ItemHash.h"
 #include "korassoc/itemsets/OrderedArray.h"
 
 namespace {
 
-// Room for n items, null for none. A negative n throws std::bad_array_new_length.
-std::unique_ptr<int[]> newItems(int n) {
-  return std::unique_ptr<int[]>(n == 0 ? nullptr : new int[static_cast<std::size_t>(n)]);
-}
+using korassoc::detail::lengthSum;
+using korassoc::detail::newInts;
 
 std::unique_ptr<int[]> copyOf(const int* items, int n) {
-  std::unique_ptr<int[]> copy = newItems(n);
+  std::unique_ptr<int[]> copy = newInts(n);
   std::copy_n(items, n, copy.get());
   return copy;
 }
 
 std::unique_ptr<int[]> selectionOf(const int* values, const int* index, int n) {
-  std::unique_ptr<int[]> selection = newItems(n);
+  std::unique_ptr<int[]> selection = newInts(n);
   for (int i = 0; i < n; ++i) {
     selection[static_cast<std::size_t>(i)] = values[index[i]];
   }
   return selection;
 }
 
-int onePast(int length) {
-  if (length == std::numeric_limits<int>::max()) {
-    throw std::bad_array_new_length();
-  }
-  return length + 1;
-}
-
 // The n items with item before the first that is not smaller.
 std::unique_ptr<int[]> insertion(const int* items, int n, int item) {
-  std::unique_ptr<int[]> result = newItems(onePast(n));
+  std::unique_ptr<int[]> result = newInts(lengthSum(n, 1));
   const int* const end = items + n;
   const int* const place = std::find_if(items, end, [item](int other) { return other >= item; });
   int* out = std::copy(items, place, result.get());
@@ -131,7 +121,7 @@ ItemSet::ItemSet(const int* items, int n)
 }
 
 ItemSet::ItemSet(const ItemSet& a, const ItemSet& b)
-    : items_(newItems(a.length_)), length_(0), hashCode_(0), next_(nullptr), prev_(nullptr) {
+    : items_(newInts(a.length_)), length_(0), hashCode_(0), next_(nullptr), prev_(nullptr) {
   const int* const bItems = b.items_.get();
   const int* const bEnd = bItems + b.length_;
   for (int i = 0; i < a.length_; ++i) {
@@ -200,7 +190,7 @@ bool ItemSet::hasItem(int item) const { return getItemIndex(item) >= 0; }
 ItemSet* ItemSet::omit(int position) const {
   assert(position >= 0 && position < length_);
   auto result = std::make_unique<ItemSet>();
-  result->items_ = newItems(length_ - 1);
+  result->items_ = newInts(length_ - 1);
   result->length_ = length_ - 1;
   const int* const from = items_.get();
   int* const out = std::copy_n(from, position, result->items_.get());
@@ -216,10 +206,7 @@ ItemSet* ItemSet::setUnion(const ItemSet* other) const {
   if (other->length_ == 0) {
     return new ItemSet(*this);
   }
-  if (length_ > std::numeric_limits<int>::max() - other->length_) {
-    throw std::bad_array_new_length();
-  }
-  const std::unique_ptr<int[]> merged = newItems(length_ + other->length_);
+  const std::unique_ptr<int[]> merged = newInts(lengthSum(length_, other->length_));
   int* out = merged.get();
   const int* a = items_.get();
   const int* b = other->items_.get();
@@ -247,7 +234,7 @@ ItemSet* ItemSet::intersect(const ItemSet* other) const {
   if (length_ == 0 || other->length_ == 0) {
     return new ItemSet();
   }
-  const std::unique_ptr<int[]> common = newItems(std::min(length_, other->length_));
+  const std::unique_ptr<int[]> common = newInts(std::min(length_, other->length_));
   int n = 0;
   int i = 0;
   int j = 0;

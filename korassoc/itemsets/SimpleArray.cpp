@@ -4,16 +4,18 @@
 #include <cassert>
 #include <iostream>
 #include <limits>
+#include <memory>
 #include <new>
 #include <string>
 #include <utility>
+
+#include "korassoc/itemsets/IntStorage.h"
 
 static_assert(sizeof(int) == 4, "items and counts are stored as 32-bit integers");
 
 namespace {
 
-// An array of n integers, null for none. A negative n throws std::bad_array_new_length.
-int* newInts(int n) { return n == 0 ? nullptr : new int[static_cast<std::size_t>(n)]; }
+using korassoc::detail::newInts;
 
 int grownCapacity(int capacity, int increment) {
   constexpr int kMost = std::numeric_limits<int>::max();
@@ -27,10 +29,10 @@ int grownCapacity(int capacity, int increment) {
 }  // namespace
 
 SimpleArray::SimpleArray(int initialCapacity, int growth)
-    : data(newInts(initialCapacity)), count(0), capacity(initialCapacity), increment(growth) {}
+    : data(newInts(initialCapacity).release()), count(0), capacity(initialCapacity), increment(growth) {}
 
 SimpleArray::SimpleArray(const SimpleArray& other)
-    : data(newInts(other.capacity)),
+    : data(newInts(other.capacity).release()),
       count(other.count),
       capacity(other.capacity),
       increment(other.increment) {
@@ -102,9 +104,9 @@ void SimpleArray::Display() const {
 }
 
 void SimpleArray::reallocate(int newCapacity) {
-  int* const moved = newInts(newCapacity);
-  std::copy_n(data, count, moved);
+  std::unique_ptr<int[]> moved = newInts(newCapacity);
+  std::copy_n(data, count, moved.get());
   delete[] data;
-  data = moved;
+  data = moved.release();
   capacity = newCapacity;
 }
