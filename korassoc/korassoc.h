@@ -8,6 +8,7 @@
 #include "korassoc/dictionary/LatticeSetDescriptor.h"
 #include "korassoc/dictionary/SemiLattice.h"
 #include "korassoc/dictionary/SetCounter.h"
+#include "korassoc/dictionary/SetDictionary.h"
 #include "korassoc/engine/AssociationAlgorithmSettings.h"
 #include "korassoc/engine/CarmaSettings.h"
 #include "korassoc/engine/DictionarySettings.h"

@@ -1,0 +1,236 @@
+// The store of all itemsets that the engine counts.
+
+#pragma once
+
+#include <bitset>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "korassoc/base/Export.h"
+#include "korassoc/dictionary/HashTable.h"
+#include "korassoc/dictionary/SemiLattice.h"
+#include "korassoc/dictionary/SetCounter.h"
+#include "korassoc/dictionary/SmallQueue.h"
+#include "korassoc/engine/KorStatus.h"
+#include "korassoc/itemsets/ItemSet.h"
+#include "korassoc/itemsets/ItemSetView.h"
+#include "korassoc/itemsets/OrderedArray.h"
+
+class DictionarySettings;
+class SpillStore;
+
+// SetDictionary keeps every candidate itemset with its descriptor, one hash table for each set size:
+//
+//   levels_[0]  the empty set, whose count is the number of transactions
+//   levels_[k]  the sets of k items
+//
+// While transactions are read, sets are added and counted under a limit of sets in memory: at the limit the
+// head of the small queue makes room, moving to the spill file (one-item sets, when spilling is on) or being
+// given up. removeSmallSets() prunes what cannot reach a support; buildLattice() turns the survivors into a
+// lattice, on which the queries work.
+//
+// Invariants: a set stands in the table of its own length, and either in memory or on disk; a set stands in
+// the
+//   small queue only while it is in memory; inStoreCount() counts the sets in memory.
+// Ownership: owns all stored sets and descriptors; whoever hands in a descriptor gives it up when the answer
+// is
+//   that the set was stored.
+// A set argument comes in five forms: ItemSet; ascending array with a length; single item; OrderedArray;
+// index
+//   selection (the items values.data[index.data[i]]).
+class KORASSOC_EXPORT SetDictionary : public SemiLattice {
+ public:
+  // The engine's constructor. maxLevel: most items of a stored set. settings stays the caller's and must
+  // outlive the dictionary; its number of fixed sets is cut to maxLevel + 1. The last argument has no effect.
+  SetDictionary(int maxLevel, DictionarySettings* settings, bool);
+  // A lattice around tables made elsewhere (one a level, from 0), which the dictionary takes over, with
+  // default settings of its own.
+  SetDictionary(std::vector<std::unique_ptr<HashTable>> levelTables, int inStoreCount, int maxLevel,
+                bool bitsetOff);
+  SetDictionary(const SetDictionary&) = delete;
+  SetDictionary& operator=(const SetDictionary&) = delete;
+
+  // --- Virtual operations, in the order of the interface ---
+  int getTotalSetCount() const override;
+  int getHighestLevel() const override;
+  int getLevelSize(int level) const override;
+  int getSizeAboveLevel(int level) const override;
+  void setRestartFailed() override;
+  ~SetDictionary() override;
+
+  // Stores the empty set and makes the number of sets in memory 1. False, and nothing taken over, when it is
+  // stored already.
+  virtual bool addEmptySet(SetCounter* descriptor);
+
+  virtual bool containsSet(const ItemSet* set, int level);
+  virtual bool containsSet(const ItemSet* set);
+  virtual bool containsSet(const OrderedArray& values, const OrderedArray& index);
+  virtual bool containsSet(const OrderedArray& set);
+
+  // Counts the set when it was stored after this transaction; false when it is not stored.
+  virtual bool incrementIfBeforeTID(const OrderedArray& values, const OrderedArray& index, int transaction);
+
+  // The descriptor of a stored set, or null. Of a set on disk: a counter valid until the next call.
+  virtual SetCounter* getDescriptor(const int* items, int n);
+  virtual SetCounter* getDescriptor(int item);
+  virtual SetCounter* getDescriptor(const OrderedArray& set);
+  virtual SetCounter* getDescriptor(const ItemSet* set);
+
+  // The count of a stored set (transactions), 0 when it is not stored or null.
+  virtual int getCount(int item);
+  virtual int getCount(const ItemSet* set);
+  // The number of transactions.
+  virtual int getEmptySetCount();
+
+  // Stores a set that is not stored yet (the caller has made sure). Answers 0 when it was stored, with the
+  // descriptor taken over; 3 when memory is full; another value when the spill store refused it. A refused
+  // descriptor stays the caller's. Throws DictionaryFailure* when the spill store breaks.
+  virtual int addSet(const int* values, int valueCount, const int* index, int n, SetCounter* descriptor);
+  virtual int addSet(const int* items, int n, SetCounter* descriptor);
+  virtual int addSet(ItemSet* set, SetCounter* descriptor);  // takes over set, whatever the answer
+  virtual int addSet(const OrderedArray& values, const OrderedArray& index, SetCounter* descriptor);
+  virtual int addSet(const OrderedArray& set, SetCounter* descriptor);
+
+  // Adds one to the count of a stored set and returns its descriptor, null when it is not stored. Of a set on
+  // disk: a counter with the new count, valid until the next call. Throws DictionaryFailure* when the spill
+  // store breaks.
+  virtual SetCounter* incrementSet(const OrderedArray& values, const OrderedArray& index);
+  virtual SetCounter* incrementSet(const ItemSet* set);
+  virtual SetCounter* incrementSet(const int* items, int n);
+  virtual SetCounter* incrementSet(int item);
+  virtual SetCounter* incrementSet(const OrderedArray& set);
+
+  // --- Pruning ---
+  // Removes, level by level up to the first empty one, the sets counted in fewer than minCount transactions
+  // (minCount raised to the next integer unless it is one up to rounding); rebuilds the links of a built
+  // lattice. Returns how many were removed.
+  int removeSmallSets(double minCount);
+  int removeSmall(int level, double minCount);
+
+  // --- Item bits: which items occur in stored sets ---
+  void markItems(const ItemSet* set);
+  void clearLevelBits(int level);
+  void markLevelBits(int level);
+  bool isMarked(int item) const { return itemBits_->test(itemBit(item)); }
+
+  // --- Lattice ---
+  void buildLattice();
+  void pruneAdjacent(const ItemSet* set);
+  void rebuildLinks();
+  // Sets every count and max missed to 0. Returns the number of sets reset.
+  int resetAllCounts();
+
+  // --- Phase II ---
+  // Makes ready for an exact count of all sets of at least fromLevel items: their counts and max missed
+  // become 0, and exactly the items that occur in them are marked.
+  void prepareExactCounting(int fromLevel);
+  // The number of transactions becomes n without a second pass.
+  KorAssoc::KorStatus takeTransactionCount(int n);
+
+  // --- Memory limit ---
+  void createSpillStore();
+  void queuePush(ItemSet* set) { smallQueue_.push(set); }
+  ItemSet* queuePop() { return smallQueue_.pop(); }
+  void queueUnlink(ItemSet* set) { smallQueue_.unlink(set); }
+  // Sets in memory and the most there may be; a lower limit than what is stored gives nothing up at once.
+  int inStoreCount() const { return inStoreCount_; }
+  int maxInStoreSets() const { return maxInStoreSets_; }
+  void setMaxInStoreSets(int sets) { maxInStoreSets_ = sets; }
+  // Takes back a set from the spill store, owner of both from then on. False, taking over neither, when
+  // memory is full.
+  bool takeBack(std::unique_ptr<ItemSet>& set, std::unique_ptr<SetCounter>& descriptor);
+  // Sets that made room, since the dictionary was made: given up with their counts, and moved to disk.
+  int setsGivenUp() const { return setsGivenUp_; }
+  int setsSpilled() const { return setsSpilled_; }
+
+  // --- For the phase steps ---
+  // A counted set: its items and hash code as stored, and its descriptor.
+  struct Counted {
+    const int* items = nullptr;
+    SetCounter* descriptor = nullptr;  // null: the set is not stored
+  };
+  // incrementSet() that also tells where the stored items are (those of the argument for a set on disk).
+  Counted increment(const ItemSetView& set);
+  SetCounter* find(const ItemSetView& set);
+  int add(const ItemSetView& set, std::unique_ptr<SetCounter>& descriptor);
+  // Between the two calls evicted sets stay usable, with their last values.
+  void holdEvicted() { holdsEvicted_ = true; }
+  void releaseEvicted();
+
+  // --- Reading ---
+  // Most items of a stored set.
+  int maxLevel() const { return maxLevel_; }
+  // The highest level that ever held a set; unlike getHighestLevel() it looks past empty levels.
+  int storedLevels() const { return static_cast<int>(levels_.size()) - 1; }
+  // The table of one level, 0 <= level; an empty one for a level that never held a set.
+  const HashTable& levelTable(int level) const;
+  bool isLatticeBuilt() const { return latticeBuilt_; }
+  bool isBitsetOff() const { return bitsetOff_; }
+  // Switches the upkeep of item bits and queue by the pruning; off at construction by the engine.
+  void setBitsetOff(bool off) { bitsetOff_ = off; }
+  bool isRestartFailed() const { return restartFailed_; }
+  bool rulesFlag() const { return rulesFlag_; }
+  void setRulesFlag() { rulesFlag_ = true; }
+  const DictionarySettings& settings() const { return *settings_; }
+  // What queries answer when nothing went wrong.
+  const KorAssoc::KorStatus& currentStatus() const { return status_; }
+  const SpillStore* spillStore() const { return spillStore_.get(); }
+  const korassoc::detail::SmallQueue& smallQueue() const { return smallQueue_; }
+  int queueTopCount() const { return queueTopCount_; }
+  const ItemSet& emptySet() const { return emptySet_; }
+
+ private:
+  static constexpr std::size_t kItemBits = 368639;
+  static constexpr int kSpillLevel = 1;
+  static std::size_t itemBit(int item) { return static_cast<std::uint32_t>(item) % kItemBits; }
+
+  int initialBuckets(int level) const;
+  HashTable& table(int level);
+  HashTable* tableOrNull(int level) const;
+  bool spillsLevel(int level) const { return diskSpill_ && spillStore_ != nullptr && level == kSpillLevel; }
+  ItemSetView selection(const int* values, const int* index, int n);
+  template <typename Report>
+  Counted incrementOr(const ItemSetView& set, Report&& reportFailure);
+  void countQueued(HashTable::Entry& entry);
+
+  template <typename Report>
+  int addOwned(std::unique_ptr<ItemSet> set, SetCounter* descriptor, Report&& reportFailure);
+  void store(std::unique_ptr<ItemSet> set, SetCounter* descriptor);
+  int addBySpilling(std::unique_ptr<ItemSet> set, SetCounter* descriptor);
+  int addByGivingUp(std::unique_ptr<ItemSet> set, SetCounter* descriptor);
+  void discard(HashTable::Entry* entry, HashTable& table);
+
+  static void replaceDescriptor(HashTable::Entry& entry);
+  void linkSubsets(const ItemSet& set, int level);
+
+  std::vector<std::unique_ptr<HashTable>> levels_;  // made when first needed; null: never held a set
+  HashTable noSets_{1};                             // what levelTable() answers for those
+  std::unique_ptr<std::bitset<kItemBits>> itemBits_;
+  ItemSet emptySet_;
+  int maxLevel_;
+  int inStoreCount_ = 0;
+  int maxInStoreSets_;
+  bool diskSpill_ = false;
+  std::unique_ptr<SpillStore> spillStore_;  // null until the first eviction to disk
+  std::unique_ptr<SetCounter> fromDisk_;    // the answer of the last look-up that went to disk
+  std::unique_ptr<DictionarySettings> ownSettings_;
+  DictionarySettings* settings_;
+  korassoc::detail::SmallQueue smallQueue_;
+  int queueTopCount_ = 0;  // an incremented queued set with a higher count moves to the tail
+  int leaveInMainStoreCount_;
+  bool restartFailed_ = false;
+  bool rulesFlag_ = false;
+  bool bitsetOff_ = true;
+  bool latticeBuilt_ = false;
+  int fixedSetCount_;
+  std::vector<int> selected_;  // the items of an index selection during one call
+  int setsGivenUp_ = 0;
+  int setsSpilled_ = 0;
+  bool holdsEvicted_ = false;
+  std::vector<std::unique_ptr<ItemSet>> evictedSets_;
+  std::vector<std::unique_ptr<SetCounter>> evictedDescriptors_;
+  std::vector<std::unique_ptr<ItemSet>>
+      refusedCopies_;  // duplicates that stand in the small queue all the same
+  KorAssoc::KorStatus status_;
+};

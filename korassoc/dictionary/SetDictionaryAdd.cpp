@@ -1,0 +1,186 @@
+// Adding sets to the dictionary, and what gives way to them when memory is full.
+
+#include <iostream>
+#include <utility>
+
+#include "korassoc/dictionary/SetDictionary.h"
+#include "korassoc/dictionary/SpillStore.h"
+#include "korassoc/engine/DictionarySettings.h"
+#include "korassoc/engine/Exceptions.h"
+
+namespace {
+
+constexpr int kStored = 0;
+constexpr int kMemoryFull = 3;
+
+}  // namespace
+
+bool SetDictionary::addEmptySet(SetCounter* descriptor) {
+  auto set = std::make_unique<ItemSet>();
+  const bool added = table(0).put(set.get(), descriptor);
+  if (added) static_cast<void>(set.release());
+  inStoreCount_ = 1;
+  return added;
+}
+
+int SetDictionary::addSet(const int* values, int, const int* index, int n, SetCounter* descriptor) {
+  const ItemSetView set = selection(values, index, n);
+  return addSet(set.items, set.length, descriptor);
+}
+
+int SetDictionary::addSet(const int* items, int n, SetCounter* descriptor) {
+  auto set = std::make_unique<ItemSet>(items, n);
+  const ItemSetView view(items, n);
+  return addOwned(std::move(set), descriptor, [&view] {
+    std::cout << "addSet failed for the set: ";
+    ItemSet(view.items, view.length).display();
+  });
+}
+
+int SetDictionary::addSet(const OrderedArray& set, SetCounter* descriptor) {
+  return addSet(set.data, set.count, descriptor);
+}
+
+int SetDictionary::addSet(ItemSet* set, SetCounter* descriptor) {
+  std::unique_ptr<ItemSet> owned(set);
+  if (inStoreCount_ >= maxInStoreSets_ && !diskSpill_ && smallQueue_.head() != nullptr) {
+    HashTable* table = tableOrNull(smallQueue_.head()->length());
+    if (table == nullptr || !table->contains(smallQueue_.head())) {
+      std::cout << "Could not remove first from hashtable!" << std::endl;
+      smallQueue_.pop()->display();
+      delete descriptor;  // the answer says that it was taken over
+      return kStored;
+    }
+  }
+  const ItemSet copy(*set);
+  return addOwned(std::move(owned), descriptor, [&copy] {
+    std::cout << "addSet failed for the set: ";
+    copy.display();
+  });
+}
+
+int SetDictionary::addSet(const OrderedArray& values, const OrderedArray& index, SetCounter* descriptor) {
+  auto set = std::make_unique<ItemSet>(values, index);
+  const ItemSet copy(*set);
+  const bool full = inStoreCount_ >= maxInStoreSets_ && !diskSpill_ && smallQueue_.empty();
+  const int answer = addOwned(std::move(set), descriptor, [&] {
+    std::cout << "addSet failed for the subset :";
+    index.Display();
+    std::cout << " of the set: ";
+    values.Display();
+  });
+  if (full && answer == kMemoryFull) {
+    std::cout << "Small queue is empty, memory limit exceeded!";
+    copy.display();
+  }
+  return answer;
+}
+
+int SetDictionary::add(const ItemSetView& set, std::unique_ptr<SetCounter>& descriptor) {
+  const int answer = addSet(set.items, set.length, descriptor.get());
+  if (answer == kStored) static_cast<void>(descriptor.release());
+  return answer;
+}
+
+// Adds a set of at most maxLevel() items; a longer one has no table and is refused as by a full memory.
+template <typename Report>
+int SetDictionary::addOwned(std::unique_ptr<ItemSet> set, SetCounter* descriptor, Report&& reportFailure) {
+  if (set->length() > maxLevel_) return kMemoryFull;
+  if (inStoreCount_ < maxInStoreSets_) {
+    if (leaveInMainStoreCount_ >= 1) {
+      smallQueue_.push(set.get());
+      queueTopCount_ = 1;
+    }
+    store(std::move(set), descriptor);
+    ++inStoreCount_;
+    return kStored;
+  }
+  if (!diskSpill_) return addByGivingUp(std::move(set), descriptor);
+  try {
+    return addBySpilling(std::move(set), descriptor);
+  } catch (...) {
+    korassoc::detail::discardCurrentException();
+    reportFailure();
+    throw new DictionaryFailure;
+  }
+}
+
+// Puts a set into the table of its level. A set that is stored already is refused without a word: its copy
+// has to live on as long as it may stand in the queue.
+void SetDictionary::store(std::unique_ptr<ItemSet> set, SetCounter* descriptor) {
+  if (table(set->length()).put(set.get(), descriptor)) {
+    static_cast<void>(set.release());
+    return;
+  }
+  delete descriptor;
+  if (set->getNext() != nullptr) refusedCopies_.push_back(std::move(set));
+}
+
+int SetDictionary::addByGivingUp(std::unique_ptr<ItemSet> set, SetCounter* descriptor) {
+  ItemSet* first = smallQueue_.pop();
+  if (first == nullptr) return kMemoryFull;
+  if (HashTable* table = tableOrNull(first->length())) {
+    if (HashTable::Entry* entry = table->remove(first)) {
+      discard(entry, *table);
+      ++setsGivenUp_;
+    }
+  }
+  smallQueue_.push(set.get());
+  store(std::move(set), descriptor);
+  queueTopCount_ = 1;
+  return kStored;
+}
+
+int SetDictionary::addBySpilling(std::unique_ptr<ItemSet> set, SetCounter* descriptor) {
+  if (spillStore_ == nullptr) createSpillStore();
+  if (ItemSet* first = smallQueue_.pop()) {
+    const int answer = spillStore_->add(first, getDescriptor(first));
+    if (answer < 0) return answer;
+    if (answer == 0) {
+      HashTable& from = table(first->length());
+      if (HashTable::Entry* entry = from.remove(first)) discard(entry, from);
+      ++setsSpilled_;
+      smallQueue_.push(set.get());
+      store(std::move(set), descriptor);
+      queueTopCount_ = 1;
+      return kStored;
+    }
+  }
+  const int answer = spillStore_->add(set.get(), descriptor);
+  if (answer == 0) {
+    delete descriptor;
+    ++setsSpilled_;
+  }
+  return answer;
+}
+
+// Deletes a removed entry with its set and descriptor; while a step runs they live on until it ends.
+void SetDictionary::discard(HashTable::Entry* entry, HashTable& table) {
+  std::unique_ptr<ItemSet> set(entry->key);
+  std::unique_ptr<SetCounter> descriptor(entry->descriptor);
+  table.recycle(entry);
+  smallQueue_.unlink(set.get());
+  if (holdsEvicted_) {
+    evictedSets_.push_back(std::move(set));
+    evictedDescriptors_.push_back(std::move(descriptor));
+  }
+}
+
+void SetDictionary::releaseEvicted() {
+  evictedSets_.clear();
+  evictedDescriptors_.clear();
+  holdsEvicted_ = false;
+}
+
+void SetDictionary::createSpillStore() {
+  const char* name = settings_->HasSpillFileName() ? settings_->GetSpillFileName() : "";
+  spillStore_ = std::make_unique<SpillStore>(this, name, maxLevel_, kSpillLevel);
+}
+
+bool SetDictionary::takeBack(std::unique_ptr<ItemSet>& set, std::unique_ptr<SetCounter>& descriptor) {
+  if (inStoreCount_ >= maxInStoreSets_) return false;
+  markItems(set.get());
+  store(std::move(set), descriptor.release());
+  ++inStoreCount_;
+  return true;
+}

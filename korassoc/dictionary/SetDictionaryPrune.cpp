@@ -1,0 +1,63 @@
+// Pruning, and the bits of the items that stored sets hold.
+
+#include <iostream>
+
+#include "korassoc/dictionary/SetDictionary.h"
+#include "korassoc/dictionary/SpillStore.h"
+#include "korassoc/engine/DictionarySettings.h"
+#include "korassoc/engine/Exceptions.h"
+#include "korassoc/itemsets/CountBound.h"
+
+int SetDictionary::removeSmallSets(double minCount) {
+  int removed = 0;
+  for (int level = 1; level <= maxLevel_ && getLevelSize(level) >= 1; ++level)
+    removed += removeSmall(level, minCount);
+  if (latticeBuilt_) rebuildLinks();
+  return removed;
+}
+
+int SetDictionary::removeSmall(int level, double minCount) {
+  if (!bitsetOff_ && level >= 2) clearLevelBits(level - 1);
+  const int bound = korassoc::detail::pruneCountBound(minCount);
+  int removed = 0;
+  HashTable* table = level > 0 ? tableOrNull(level) : nullptr;
+  if (table != nullptr) {
+    table->sweep(
+        [&](HashTable::Entry& entry) {
+          if (!bitsetOff_) smallQueue_.unlink(entry.key);
+          if (entry.descriptor == nullptr || entry.descriptor->count < bound) return true;
+          if (!bitsetOff_) markItems(entry.key);
+          return false;
+        },
+        [&](HashTable::Entry* entry) {
+          discard(entry, *table);
+          --inStoreCount_;
+          ++removed;
+        });
+  }
+  if (diskSpill_ && spillStore_ != nullptr) {
+    try {
+      removed += spillStore_->reduce(level, minCount);
+    } catch (...) {
+      korassoc::detail::discardCurrentException();
+      std::cout << "Failed to reduce dictionary on disk." << std::endl;
+      throw new DictionaryFailure;
+    }
+    spillStore_.reset();
+  }
+  return removed;
+}
+
+void SetDictionary::markItems(const ItemSet* set) {
+  for (int i = 0; i < set->length(); ++i) itemBits_->set(itemBit(set->getItemAt(i)));
+}
+
+void SetDictionary::clearLevelBits(int level) {
+  levelTable(level).forEach([this](const HashTable::Entry& entry) {
+    for (int i = 0; i < entry.key->length(); ++i) itemBits_->reset(itemBit(entry.key->getItemAt(i)));
+  });
+}
+
+void SetDictionary::markLevelBits(int level) {
+  levelTable(level).forEach([this](const HashTable::Entry& entry) { markItems(entry.key); });
+}

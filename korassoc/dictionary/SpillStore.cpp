@@ -1,0 +1,306 @@
+#include "korassoc/dictionary/SpillStore.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iostream>
+#include <utility>
+
+#include "korassoc/dictionary/SetDictionary.h"
+#include "korassoc/dictionary/SpillFile.h"
+#include "korassoc/engine/Exceptions.h"
+
+using korassoc::detail::SpillFile;
+
+namespace {
+
+constexpr char kEmpty = 0;
+constexpr char kOccupied = 1;
+constexpr char kDeleted = 2;
+
+// Within the file, and within a slot.
+constexpr std::int64_t kFirstSlot = 8;
+constexpr std::size_t kHashAt = 1;
+constexpr std::size_t kItemsAt = 5;
+
+// Slots are read in blocks of at most this many bytes (but at least one slot).
+constexpr std::size_t kBlockBytes = 8192;
+
+std::size_t slotSizeOf(int level) { return 4 * static_cast<std::size_t>(std::max(level, 0)) + 9; }
+
+int intAt(const char* bytes) {
+  int value = 0;
+  std::memcpy(&value, bytes, sizeof value);
+  return value;
+}
+
+void putInt(char* bytes, int value) { std::memcpy(bytes, &value, sizeof value); }
+
+[[noreturn]] void refuseState(char state) {
+  std::cout << "Default Never Correct " << static_cast<int>(static_cast<unsigned char>(state));
+  throw new IOException;
+}
+
+}  // namespace
+
+SpillStore::SpillStore(SetDictionary* owner, const char* fileName, int maxLevel, int level)
+    : SpillStore(owner, level >= 0 ? korassoc::detail::openSpillFile(fileName) : nullptr, maxLevel, level) {
+  if (fileName_.empty() && fileName != nullptr) fileName_ = fileName;
+}
+
+SpillStore::SpillStore(SetDictionary* owner, std::unique_ptr<SpillFile> file, int maxLevel, int level)
+    : dictionary_(owner),
+      maxLevel_(maxLevel),
+      level_(level),
+      slotSize_(slotSizeOf(level)),
+      file_(std::move(file)) {
+  if (file_ == nullptr) return;
+  fileName_ = file_->name();
+  if (!layOut()) {
+    file_.reset();
+    withoutFile_ = kFull;
+    return;
+  }
+  presence_ = std::make_unique<std::bitset<kSlotCount>>();
+  mostBlock_ = std::max<std::size_t>(1, kBlockBytes / slotSize_);
+  block_.resize(mostBlock_ * slotSize_);
+}
+
+SpillStore::~SpillStore() = default;
+
+// Writes the header and gives the file its final length. The slots are left to the file system, which makes
+// them read as zeros: empty.
+bool SpillStore::layOut() {
+  char header[kFirstSlot] = {};
+  putInt(header, level_ + 1);
+  return file_->write(0, header, sizeof header) &&
+         file_->resize(static_cast<std::uint64_t>(offsetOf(static_cast<std::uint32_t>(kSlotCount))));
+}
+
+std::int64_t SpillStore::offsetOf(std::uint32_t position) const {
+  return static_cast<std::int64_t>(position) * static_cast<std::int64_t>(slotSize_) + kFirstSlot;
+}
+
+bool SpillStore::mayHold(const ItemSet* set) const {
+  return file_ != nullptr && set->length() == level_ && presence_->test(startPosition(*set));
+}
+
+int SpillStore::add(ItemSet* set, SetCounter* descriptor) {
+  if (file_ == nullptr) return withoutFile_;
+  if (set->length() != level_) return kOtherLevel;
+  noteWritten(descriptor->count);
+  search(*set);
+  if (lastFound_) {
+    std::cout << "STRANGE ADD on disk";
+    setIn(foundSlot_)->displayAll();
+    std::cout << "STRANGE ADD adding";
+    set->displayAll();
+    return 0;
+  }
+  if (lastResult_ >= kFirstSlot) {
+    if (writeSlot(static_cast<std::uint64_t>(lastResult_), *set, descriptor->count)) {
+      presence_->set(startPosition(*set));
+      ++setCount_;
+      return 0;
+    }
+    lastResult_ = kFull;
+  }
+  std::cout << "Bad OFFSET " << lastResult_ << std::endl;
+  set->displayAll();
+  return static_cast<int>(lastResult_);
+}
+
+bool SpillStore::contains(const ItemSet* set) {
+  if (!mayHold(set)) return false;
+  search(*set);
+  return lastFound_ || lastResult_ < kFirstSlot;
+}
+
+SetCounter* SpillStore::find(const ItemSet* set) {
+  if (file_ == nullptr || set->length() != level_) return nullptr;
+  try {
+    search(*set);
+  } catch (IOException* failure) {
+    delete failure;
+    return nullptr;
+  }
+  if (lastFound_) return new SetCounter(countIn(foundSlot_), 0);
+  if (lastResult_ < kFirstSlot) {
+    std::cout << "Failure to Seek ";
+    set->display();
+  }
+  return nullptr;
+}
+
+SetCounter* SpillStore::increment(const ItemSet* set) {
+  if (!mayHold(set)) return nullptr;
+  search(*set);
+  if (lastResult_ < kFirstSlot) {
+    std::cout << "Seek Failed to find place" << std::endl;
+    return nullptr;
+  }
+  if (!lastFound_) return nullptr;
+  sharedCounter_.count = countIn(foundSlot_);
+  if (sharedCounter_.count < SetCounter::kMaxCount) {
+    char before[4];
+    char after[4];
+    putInt(before, sharedCounter_.count);
+    putInt(after, ++sharedCounter_.count);
+    const std::uint64_t offset = static_cast<std::uint64_t>(lastResult_) + slotSize_ - sizeof after;
+    if (!file_->write(offset, after, sizeof after)) {
+      file_->write(offset, before, sizeof before);  // a part of the new count may stand there
+      throw new IOException;
+    }
+    if (writtenCount_ > 0) meanCount_ += 1.0 / writtenCount_;
+  }
+  return &sharedCounter_;
+}
+
+int SpillStore::reduce(int level, double minCount) {
+  if (level != level_ || file_ == nullptr) return 0;
+  int deleted = 0;
+  beginWalk(mostBlock_);
+  for (std::uint32_t position = 0; position < static_cast<std::uint32_t>(kSlotCount) && setCount_ > 0;
+       ++position) {
+    const char* slot = slotAt(position);
+    if (slot == nullptr) throw new IOException;
+    if (*slot == kEmpty || *slot == kDeleted) continue;
+    if (*slot != kOccupied) refuseState(*slot);
+    const int count = countIn(slot);
+    if (count < minCount) {
+      if (!writeState(position, kDeleted)) throw new IOException;
+      ++deleted;
+    } else {
+      takeBack(position, slot);
+    }
+    --setCount_;
+    noteRemoved(count);
+  }
+  if (setCount_ > 0) throw new IOException;  // somebody else has written to the file: sets are missing
+  return deleted;
+}
+
+// Hands the set of a slot to the dictionary. The slot goes first, so that the set is never in both places,
+// and comes back when the dictionary fails.
+void SpillStore::takeBack(std::uint32_t position, const char* slot) {
+  if (dictionary_ == nullptr || dictionary_->inStoreCount() >= dictionary_->maxInStoreSets()) {
+    throw new DictionaryFailure;
+  }
+  auto set = setIn(slot);
+  auto descriptor = std::make_unique<SetCounter>(countIn(slot), 0);
+  if (!writeState(position, kDeleted)) throw new IOException;
+  try {
+    if (!dictionary_->takeBack(set, descriptor)) throw new DictionaryFailure;
+  } catch (...) {
+    writeState(position, kOccupied);
+    throw;
+  }
+}
+
+void SpillStore::search(const ItemSet& set) {
+  lastFound_ = false;
+  const std::uint32_t start = startPosition(set);
+  if (offsetOf(start) < 1) {
+    std::cout << "BAD OFFSET " << offsetOf(start) << ", slotPosition " << start;
+    set.displayAll();
+    throw new IOException;
+  }
+  beginWalk(1);
+  std::uint32_t position = start;
+  do {
+    const char* slot = slotAt(position);
+    if (slot == nullptr) {
+      lastResult_ = kUnreadable;
+      std::cout << "Failure to Seek ";
+      set.display();
+      throw new IOException;
+    }
+    if (*slot != kEmpty && *slot != kOccupied && *slot != kDeleted) {
+      lastResult_ = kUnreadable;
+      refuseState(*slot);
+    }
+    lastFound_ = *slot == kOccupied && isSetOf(slot, set);
+    if (lastFound_ || *slot == kEmpty) {
+      lastResult_ = offsetOf(position);
+      foundSlot_ = slot;
+      return;
+    }
+    position = position + 1 < static_cast<std::uint32_t>(kSlotCount) ? position + 1 : 0;
+  } while (position != start);
+  lastResult_ = kFull;
+  std::cout << "Looped " << std::endl << "Not Found In Primary" << std::endl;
+}
+
+bool SpillStore::isSetOf(const char* slot, const ItemSet& set) const {
+  if (intAt(slot + kHashAt) != set.hashcode()) return false;
+  for (int i = 0; i < level_; ++i) {
+    if (itemIn(slot, i) != set.getItemAt(i)) return false;
+  }
+  return true;
+}
+
+// The state byte is written last: until then the slot reads as empty, and after a failure it does so again.
+bool SpillStore::writeSlot(std::uint64_t offset, const ItemSet& set, int count) {
+  std::vector<char> slot(slotSize_, kEmpty);
+  putInt(slot.data() + kHashAt, set.hashcode());
+  for (int i = 0; i < level_; ++i)
+    putInt(slot.data() + kItemsAt + 4 * static_cast<std::size_t>(i), set.getItemAt(i));
+  putInt(slot.data() + slotSize_ - 4, count);
+  if (file_->write(offset + kHashAt, slot.data() + kHashAt, slotSize_ - kHashAt) &&
+      file_->write(offset, &kOccupied, 1)) {
+    return true;
+  }
+  std::fill(slot.begin(), slot.end(), kEmpty);
+  file_->write(offset, slot.data(), slotSize_);
+  return false;
+}
+
+bool SpillStore::writeState(std::uint32_t position, char state) {
+  return file_->write(static_cast<std::uint64_t>(offsetOf(position)), &state, 1);
+}
+
+void SpillStore::beginWalk(std::size_t firstBlock) {
+  blockSlots_ = 0;
+  nextBlock_ = firstBlock;
+}
+
+const char* SpillStore::slotAt(std::uint32_t position) {
+  if (position < blockStart_ || position >= blockStart_ + blockSlots_) {
+    const std::size_t left = static_cast<std::size_t>(kSlotCount) - position;
+    const std::size_t bytes = std::min(nextBlock_, left) * slotSize_;
+    blockStart_ = position;
+    blockSlots_ =
+        file_->read(static_cast<std::uint64_t>(offsetOf(position)), block_.data(), bytes) / slotSize_;
+    if (blockSlots_ == 0) return nullptr;
+    nextBlock_ = std::min(nextBlock_ * 8, mostBlock_);
+  }
+  return block_.data() + (position - blockStart_) * slotSize_;
+}
+
+int SpillStore::itemIn(const char* slot, int index) const {
+  return intAt(slot + kItemsAt + 4 * static_cast<std::size_t>(index));
+}
+
+int SpillStore::countIn(const char* slot) const { return intAt(slot + slotSize_ - 4); }
+
+std::unique_ptr<ItemSet> SpillStore::setIn(const char* slot) const {
+  std::vector<int> items(static_cast<std::size_t>(level_));
+  for (int i = 0; i < level_; ++i) items[static_cast<std::size_t>(i)] = itemIn(slot, i);
+  return std::make_unique<ItemSet>(items.data(), level_);
+}
+
+void SpillStore::noteWritten(int count) {
+  meanCount_ = (writtenCount_ * meanCount_ + count) / (writtenCount_ + 1.0);
+  ++writtenCount_;
+}
+
+// The weight of the old mean is the new number of sets, not the old one: the mean drifts away from the true
+// one. That is how the store has always reckoned, and who reads the figure reckons with it.
+void SpillStore::noteRemoved(int count) {
+  if (writtenCount_ > 1) {
+    --writtenCount_;
+    meanCount_ = (writtenCount_ * meanCount_ - count) / writtenCount_;
+  } else {
+    writtenCount_ = 0;
+    meanCount_ = 0.0;
+  }
+}

@@ -1,0 +1,180 @@
+#include "korassoc/engine/CarmaCore.h"
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+
+#include "korassoc/dictionary/CarmaSetDescriptor.h"
+#include "korassoc/engine/Exceptions.h"
+#include "korassoc/itemsets/CountBound.h"
+#include "korassoc/itemsets/ItemHash.h"
+
+using KorAssoc::KorStatus;
+
+namespace {
+
+constexpr bool kError = false;
+
+int toCount(long long occurrences) {
+  constexpr long long kLowest = std::numeric_limits<int>::min();
+  constexpr long long kHighest = std::numeric_limits<int>::max();
+  return static_cast<int>(std::clamp(occurrences, kLowest, kHighest));
+}
+
+// The most transactions that can hold the set, by what is known of it.
+long long upperBound(const SetCounter& descriptor) {
+  return static_cast<long long>(descriptor.count) + descriptor.getMaxMissed();
+}
+
+// While it lives, sets that the dictionary evicts stay usable.
+class EvictionHold {
+ public:
+  explicit EvictionHold(SetDictionary& dictionary) : dictionary_(dictionary) { dictionary_.holdEvicted(); }
+  EvictionHold(const EvictionHold&) = delete;
+  EvictionHold& operator=(const EvictionHold&) = delete;
+  ~EvictionHold() { dictionary_.releaseEvicted(); }
+
+ private:
+  SetDictionary& dictionary_;
+};
+
+}  // namespace
+
+CarmaCore::CarmaCore(int maxLengthSet, int maxTranLength) : maxLengthSet_(maxLengthSet) {
+  constexpr int kReserveAtMost = 1 << 16;  // a limit set out of reach costs no memory
+  items_.reserve(static_cast<std::size_t>(std::clamp(maxTranLength, 0, kReserveAtMost)));
+}
+
+void CarmaCore::fetch(const Transaction& transaction) {
+  const int length = std::max(transaction.GetLength(), 0);
+  items_.clear();
+  for (int i = 0; i < length; ++i) items_.push_back(transaction.GetItem(i));
+  if (!std::is_sorted(items_.begin(), items_.end())) std::sort(items_.begin(), items_.end());
+}
+
+KorStatus CarmaCore::step(SetDictionary& dictionary, const Transaction& transaction, double sigmaPrev,
+                          double sigma, double supportCount) {
+  const int length = std::max(transaction.GetLength(), 0);
+  if (nTrans_ < std::numeric_limits<int>::max()) ++nTrans_;
+  meanLength_ = (nTrans_ * meanLength_ + length) / nTrans_;
+  maxLength_ = std::max(maxLength_, length);
+  sigma_ = sigma;
+  fetch(transaction);
+
+  using korassoc::detail::countBound;
+  using korassoc::detail::raisedCountBound;
+  const Bounds bounds{raisedCountBound(supportCount), raisedCountBound(nTrans_ * sigma),
+                      countBound((nTrans_ - 1) * sigmaPrev), sigma};
+  bool stored = true;
+  try {
+    const EvictionHold hold(dictionary);
+    dictionary.increment(ItemSetView(nullptr, 0));
+    work_.clear();
+    for (std::size_t i = 0; stored && i < items_.size(); ++i)
+      stored = handleItem(dictionary, items_[i], bounds);
+  } catch (...) {
+    korassoc::detail::discardCurrentException();
+    return KorStatus(40001, kError);
+  }
+  const auto extension = static_cast<int>(work_.size());
+  maxExt_ = std::max(maxExt_, extension);
+  aveExt_ = (extension + (nTrans_ - 1) * aveExt_) / nTrans_;
+  return stored ? KorStatus() : KorStatus(3, kError);
+}
+
+// item: an element of items_. False when the dictionary refused a new set.
+bool CarmaCore::handleItem(SetDictionary& dictionary, const int& item, const Bounds& bounds) {
+  const ItemSetView single(&item, 1);
+  const SetDictionary::Counted counted = dictionary.increment(single);
+  if (counted.descriptor == nullptr) {
+    std::unique_ptr<SetCounter> descriptor = std::make_unique<CarmaSetDescriptor>(1, nTrans_, 0);
+    longAdded_ = std::max(longAdded_, 1);
+    return dictionary.add(single, descriptor) == 0;
+  }
+  if (counted.descriptor->count < bounds.extendFrom || maxLengthSet_ < 2) return true;
+  const std::size_t parents = work_.size();
+  work_.push_back({counted.items, 1, single.hash, counted.descriptor});
+  for (std::size_t i = 0; i < parents; ++i) {
+    const Found parent = work_[i];  // extend() may move the list
+    if (!extend(dictionary, parent, item, *counted.descriptor, bounds)) return false;
+  }
+  return true;
+}
+
+// Counts parent with item added, or makes it a candidate. False when the dictionary refused it.
+bool CarmaCore::extend(SetDictionary& dictionary, const Found& parent, int item, const SetCounter& single,
+                       const Bounds& bounds) {
+  const int length = parent.length + 1;
+  candidate_.assign(parent.items, parent.items + parent.length);
+  candidate_.push_back(item);
+  longestCandidate_ = std::max(longestCandidate_, length);
+  const ItemSetView set(candidate_.data(), length,
+                        parent.hash ^ korassoc::detail::hashPart(item, parent.length));
+  const SetDictionary::Counted counted = dictionary.increment(set);
+  if (counted.descriptor != nullptr) {
+    if (length < maxLengthSet_) work_.push_back({counted.items, length, set.hash, counted.descriptor});
+    return true;
+  }
+  const long long parentBound = upperBound(*parent.descriptor) - 1;  // before this transaction
+  if (parentBound + 1 < bounds.supportBound) return true;
+  long long missed = 0;
+  if (!boundMissed(dictionary, parent, single, bounds, parentBound, missed)) return true;
+  std::unique_ptr<SetCounter> descriptor = std::make_unique<CarmaSetDescriptor>(1, nTrans_, toCount(missed));
+  longAdded_ = std::max(longAdded_, length);
+  return dictionary.add(set, descriptor) == 0;
+}
+
+// How many occurrences the candidate can have missed, at most. False when it cannot reach the support.
+bool CarmaCore::boundMissed(SetDictionary& dictionary, const Found& parent, const SetCounter& single,
+                            const Bounds& bounds, long long parentBound, long long& missed) {
+  if (parent.length + 1 > 2) return checkSubsets(dictionary, bounds, parentBound, missed);
+  missed = std::min<long long>(single.count - 1LL, parentBound);
+  missed = std::min<long long>(missed, bounds.missedBefore + 1LL);
+  return missed + 1 >= bounds.supportBound;
+}
+
+// The candidate's subsets without one of the parent's items each: stored before this transaction and able to
+// reach the support, all of them.  (Hidber, SIGMOD 1999, section 3.2)
+bool CarmaCore::checkSubsets(SetDictionary& dictionary, const Bounds& bounds, long long parentBound,
+                             long long& missed) {
+  const std::size_t length = candidate_.size();
+  missed = std::min({nTrans_ - 1LL, parentBound, static_cast<long long>(length) - 1 + bounds.missedBefore});
+  for (std::size_t left = 0; left + 1 < length; ++left) {
+    subset_.clear();
+    for (std::size_t i = 0; i < length; ++i) {
+      if (i != left) subset_.push_back(candidate_[i]);
+    }
+    const SetCounter* subset = dictionary.find({subset_.data(), static_cast<int>(subset_.size())});
+    if (subset == nullptr || subset->getTID() >= nTrans_) return false;
+    const long long bound = upperBound(*subset);
+    if (bounds.averageSupport > static_cast<double>(bound) / nTrans_) return false;
+    missed = std::min(missed, bound - 1);
+  }
+  return true;
+}
+
+void CarmaCore::preparePhaseII(SetDictionary& dictionary, int fromLevel) {
+  nTransII_ = 0;
+  dictionary.prepareExactCounting(fromLevel);
+  exact_.prepare(dictionary, fromLevel);
+}
+
+void CarmaCore::stepPhaseII(const SetDictionary& dictionary, const Transaction& transaction) {
+  if (nTransII_ < std::numeric_limits<int>::max()) ++nTransII_;
+  fetch(transaction);
+  std::erase_if(items_, [&dictionary](int item) { return !dictionary.isMarked(item); });
+  exact_.count(items_);
+}
+
+void CarmaCore::restoreTransactions(int transactions, double averageSupport) {
+  nTrans_ = transactions;
+  sigma_ = averageSupport;
+}
+
+void CarmaCore::restoreStatistics(double averageExtension, int maxExtension, int longestCandidate,
+                                  int longAdded) {
+  aveExt_ = averageExtension;
+  maxExt_ = maxExtension;
+  longestCandidate_ = longestCandidate;
+  longAdded_ = longAdded;
+}

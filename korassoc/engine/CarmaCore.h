@@ -1,0 +1,98 @@
+// The worker that takes one transaction at a time through the two passes.
+
+#pragma once
+
+#include <vector>
+
+#include "korassoc/dictionary/SetDictionary.h"
+#include "korassoc/engine/ExactCounter.h"
+#include "korassoc/engine/KorStatus.h"
+#include "korassoc/engine/Transaction.h"
+
+// CarmaCore counts a transaction's stored subsets and, in phase I, adds the candidates that it calls for.
+//
+// The phase I step keeps a work list of the stored sets that the transaction holds, in the order in which
+// they are found; each further item of the transaction extends every set on it by one item:
+//
+//   items_   1  3  8                                 the transaction, ascending
+//   work_    {1}  {3} {1 3}  {8} {1 8} {3 8} ...     only stored sets whose one-item sets reach the threshold
+//
+// Ownership: owns its buffers; knows a dictionary only during a call.
+// Cost of a step: one look-up for each pair of a work list entry and a later item.
+class CarmaCore {
+ public:
+  // maxLengthSet: most items of a stored set. maxTranLength: items that room is made for; longer transactions
+  // are handled in full.
+  CarmaCore(int maxLengthSet, int maxTranLength);
+
+  // Phase I for one transaction. sigmaPrev and sigma: the average support (fraction) before and after this
+  // transaction's own was added; supportCount: the count to which the last pruning cut, 1.0 before the first.
+  // Answers OK; 3/error when the dictionary refused a new set, what was counted so far staying counted;
+  // 40001/error when the dictionary failed. An exception of the transaction itself is let through.
+  KorAssoc::KorStatus step(SetDictionary& dictionary, const Transaction& transaction, double sigmaPrev,
+                           double sigma, double supportCount);
+
+  // Starts a second pass in which every stored set of at least fromLevel items is counted anew, from 0.
+  void preparePhaseII(SetDictionary& dictionary, int fromLevel);
+  // Counts one transaction of the second pass, whatever the order of the transactions. The dictionary must
+  // hold the sets that it held when the pass was prepared.
+  void stepPhaseII(const SetDictionary& dictionary, const Transaction& transaction);
+
+  // Transactions counted by phase I, and by the second pass that ran last.
+  int transactions() const { return nTrans_; }
+  int transactionsII() const { return nTransII_; }
+  // Mean and largest size of the work list.
+  double averageExtension() const { return aveExt_; }
+  int maxExtension() const { return maxExt_; }
+  // Items of the longest candidate formed, and of the longest set added.
+  int longestCandidate() const { return longestCandidate_; }
+  int longAdded() const { return longAdded_; }
+  // The average support (fraction) after the last transaction.
+  double averageSupport() const { return sigma_; }
+  double meanLength() const { return meanLength_; }
+  int maxLength() const { return maxLength_; }
+
+  // What a restored engine goes on from.
+  void restoreTransactions(int transactions, double averageSupport);
+  void restoreStatistics(double averageExtension, int maxExtension, int longestCandidate, int longAdded);
+
+ private:
+  struct Found {
+    const int* items;  // as stored in the dictionary; of a set on disk, in items_
+    int length;
+    int hash;
+    SetCounter* descriptor;
+  };
+  // What the step decides by, computed once for a transaction.
+  struct Bounds {
+    int extendFrom;    // count of a one-item set from which on it is extended
+    int supportBound;  // a set whose upper bound stays below it is no candidate
+    int missedBefore;  // transactions that a set may have missed by the thresholds so far
+    double averageSupport;
+  };
+
+  void fetch(const Transaction& transaction);
+  bool handleItem(SetDictionary& dictionary, const int& item, const Bounds& bounds);
+  bool extend(SetDictionary& dictionary, const Found& parent, int item, const SetCounter& single,
+              const Bounds& bounds);
+  bool boundMissed(SetDictionary& dictionary, const Found& parent, const SetCounter& single,
+                   const Bounds& bounds, long long parentBound, long long& missed);
+  bool checkSubsets(SetDictionary& dictionary, const Bounds& bounds, long long parentBound,
+                    long long& missed);
+
+  int maxLengthSet_;
+  std::vector<int> items_;      // the transaction's items, ascending, repeats kept
+  std::vector<int> candidate_;  // a stored set and one more item
+  std::vector<int> subset_;     // the candidate without one of its items
+  std::vector<Found> work_;
+  korassoc::detail::ExactCounter exact_;
+  int nTrans_ = 0;
+  int nTransII_ = 0;
+  double sigma_ = 0.0;
+  double meanLength_ = 0.0;
+  int maxLength_ = 0;
+  double aveExt_ = 0.0;
+  int maxExt_ = 0;
+  int longestCandidate_ = 0;
+  int longAdded_ = 0;
+};
