@@ -13,8 +13,9 @@ need() {
   packages_reasons+=("$reason")
 }
 
-# installed PACKAGE: whether dpkg has it installed, for packages that bring no command to look for.
-installed() { [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }
+# installed PACKAGE: whether dpkg has it installed, for packages that bring no command to look for. Where there is no
+# dpkg, CMake will tell.
+installed() { ! command -v dpkg-query >/dev/null || [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }
 
 # What a build of the tool takes.
 need_build_tools() {
@@ -22,6 +23,8 @@ need_build_tools() {
   need g++ 'compiles C++20' command -v "${CXX%% *}"
   need cmake 'describes the build' command -v cmake
   need ninja-build 'runs the compilers, one on each core' command -v ninja
+  need libcli11-dev 'reads the command line' installed libcli11-dev
+  need libfmt-dev 'formats the tables' installed libfmt-dev
 }
 
 # install_missing LOG: installs what need() noted, with its output in the file LOG. Ends the script when it cannot.
