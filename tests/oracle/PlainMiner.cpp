@@ -39,10 +39,22 @@ void PlainMiner::runPhaseI(int n) {
     if (isMultiple(last, settings_.removeSmallFreq)) {
       peakSets = std::max(peakSets, dictionary.totalSetCount());
       prune(last, average);
+      if (isMultiple(last, settings_.reportFreqPhaseI)) report(1, 0);
     }
   }
   transactionsSeen = step.nTrans;
   if (!isMultiple(last, settings_.removeSmallFreq)) prune(last, average);
+  report(1, 0);
+}
+
+void PlainMiner::report(int phase, int transactionsII) {
+  const int sets = dictionary.totalSetCount();
+  if (phase == 1) {
+    reports.push_back({1, step.nTrans, 0, sets, step.longAdded, step.maxExt, setsRemoved,
+                       peakSets == 0 ? sets : peakSets, step.aveExt, ceilings.average(), currentSupport});
+  } else {
+    reports.push_back({2, step.nTrans, transactionsII, sets, 0, 0, 0, 0, 0, 0, 0});
+  }
 }
 
 void PlainMiner::prune(double transactions, double averageSupport) {
@@ -53,6 +65,7 @@ void PlainMiner::prune(double transactions, double averageSupport) {
 void PlainMiner::endPhaseI() {
   if (!inPhaseI_) return;
   setsRemoved += dictionary.removeSmallSets(transactionsSeen * ceilings.average());
+  report(1, 0);
   inPhaseI_ = false;
 }
 
@@ -62,8 +75,10 @@ void PlainMiner::runPhaseII(const Transactions& pass) {
   if (dictionary.highestLevel() > 1 && settings_.maxLengthSet > 1) {
     count(pass, 2);
     pruneAndBuild(transactionsSeen * ceilings.average());
+    report(2, transactionsRead_);
   } else if (dictionary.highestLevel() <= 1) {
     missingSubsets = buildLattice(dictionary);
+    report(2, transactionsRead_);
   }
 }
 
@@ -73,8 +88,10 @@ void PlainMiner::runPhaseIIrandom(const Transactions& pass) {
   if (dictionary.highestLevel() > 1) {
     count(pass, 1);
     pruneAndBuild(transactionsSeen * ceilings.average());
+    report(2, transactionsRead_);
   } else {
     missingSubsets = buildLattice(dictionary);
+    report(2, transactionsRead_);
   }
 }
 
@@ -88,8 +105,11 @@ void PlainMiner::runNullPhaseII(double fraction) {
 
 // Every stored set of at least so many items gets the number of its occurrences in the pass.
 void PlainMiner::count(const Transactions& pass, int shortest) {
-  const std::size_t read = std::min(pass.size(), static_cast<std::size_t>(transactionsSeen));
-  Transactions sorted(pass.begin(), pass.begin() + static_cast<std::ptrdiff_t>(read));
+  transactionsRead_ = std::min(static_cast<int>(pass.size()), transactionsSeen);
+  for (int c = 1; c <= transactionsRead_; ++c) {
+    if (isMultiple(c, settings_.reportFreqPhaseII)) report(2, c);
+  }
+  Transactions sorted(pass.begin(), pass.begin() + transactionsRead_);
   for (Items& transaction : sorted) std::sort(transaction.begin(), transaction.end());
   for (int size = shortest; size <= dictionary.maxLevel(); ++size) {
     for (PlainTable::Entry* entry : dictionary.level(size).entries()) {

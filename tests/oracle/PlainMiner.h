@@ -19,6 +19,22 @@ using Transactions = std::vector<Items>;
 // The support asked for at a transaction; transactions are numbered from 1.
 using Support = std::function<double(int)>;
 
+// What a listener hears of the first or second pass.
+struct PlainReport {
+  int phase;
+  int nTrans;
+  int nTransII;  // 0 in the first pass
+  int setTotal;
+  // The first pass only, otherwise 0:
+  int longAdded;
+  int maxExt;
+  int removed;
+  int memory;
+  double aveExt;
+  double avSigma;
+  double sigma;
+};
+
 class PlainMiner {
  public:
   PlainMiner(const PlainSettings& settings, Transactions transactions, Support support);
@@ -52,8 +68,10 @@ class PlainMiner {
   int setsRemoved = 0;        // by all prunings of the first pass
   int peakSets = 0;           // largest store at a pruning point
   int missingSubsets = 0;     // found by the last lattice building: the store was not closed
+  std::vector<PlainReport> reports;
 
  private:
+  void report(int phase, int transactionsII);
   void prune(double transactions, double averageSupport);
   void count(const Transactions& pass, int shortest);
   void pruneAndBuild(double minCount);
@@ -62,6 +80,7 @@ class PlainMiner {
   Transactions transactions_;
   Support support_;
   std::size_t position_ = 0;
+  int transactionsRead_ = 0;  // by the last second pass
   bool inPhaseI_ = true;
 };
 

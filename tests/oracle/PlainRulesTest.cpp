@@ -2,43 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
-
-#include "tests/oracle/PlainLattice.h"
 #include "tests/oracle/PlainQueue.h"
+#include "tests/oracle/SmallLattice.h"
 
 namespace oracle {
 namespace {
 
-// Ten transactions: a 6, b 5, c 4, ab 4, ac 3, bc 2, abc 2 (a = 1, b = 2, c = 3).
-PlainDictionary smallLattice() {
-  PlainDictionary dictionary{PlainSettings{}};
-  dictionary.addEmptySet();
-  dictionary.find({})->count = 10;
-  const std::pair<Items, int> sets[] = {{{1}, 6},    {{2}, 5},    {{3}, 4},      {{1, 2}, 4},
-                                        {{1, 3}, 3}, {{2, 3}, 2}, {{1, 2, 3}, 2}};
-  for (const auto& [set, count] : sets) dictionary.add(set, Counter{count, 1, 0, {}});
-  buildLattice(dictionary);
-  return dictionary;
-}
-
-std::string letters(const Items& items) {
-  std::string text;
-  for (int item : items) text += static_cast<char>('a' + item - 1);
-  return text;
-}
-
-std::vector<std::string> names(const std::vector<PlainRule>& rules) {
-  std::vector<std::string> text;
-  for (const PlainRule& rule : rules)
-    text.push_back(letters(rule.antecedent) + ">" + letters(rule.consequent));
-  return text;
-}
-
-using Names = std::vector<std::string>;
-
 TEST(PlainRules, EmitsInTheOrderOfTheTables) {
-  // Hash codes, all below 89 and 200: empty 0, a 7, b 14, ab 17, c 21, ac 38, bc 47, abc 54. Bounds count /
+  // Bounds count /
   // 0.6: a 10 takes the empty set (10); b 8, c 6, bc 3 take nothing; ab 6 takes a (6), b (5); ac 5 takes c
   // (4); abc 3 takes ac (3), bc (2).
   PlainDictionary dictionary = smallLattice();

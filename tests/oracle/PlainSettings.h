@@ -5,8 +5,10 @@
 namespace oracle {
 
 struct PlainSettings {
-  int maxLengthSet = 10;      // the largest set stored
-  int removeSmallFreq = 500;  // transactions between prunings; 0: at the end of each call only
+  int maxLengthSet = 10;          // the largest set stored
+  int removeSmallFreq = 500;      // transactions between prunings; 0: at the end of each call only
+  int reportFreqPhaseI = 10000;   // transactions between reports, which come at prunings only
+  int reportFreqPhaseII = 10000;  // transactions between reports
 
   // Bucket counts to begin with.
   int initialSetSize = 89;
