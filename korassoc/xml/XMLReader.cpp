@@ -58,7 +58,6 @@ class Line {
   // Skips delimiters and gives the characters up to the next one, which is skipped too and becomes a zero, so
   // that the token is also a C string. Empty when nothing but delimiters is left.
   std::string_view token(const Delimiters& delimiters) {
-    begin_ = cursor_;
     while (cursor_ != end_ && delimiters.holds(*cursor_)) ++cursor_;
     const char* const start = cursor_;
     while (cursor_ != end_ && !delimiters.holds(*cursor_)) ++cursor_;
@@ -67,16 +66,16 @@ class Line {
     return found;
   }
 
-  // The delimiters that the last token() skipped in front of its token.
-  std::string_view skippedBefore(std::string_view found) const {
-    return {begin_, static_cast<std::size_t>(found.data() - begin_)};
+  // What stands in the line in front of a token, with a zero in place of the delimiter that ended each
+  // earlier token.
+  std::string_view before(std::string_view found) const {
+    return {text_, static_cast<std::size_t>(found.data() - text_)};
   }
 
  private:
   char text_[256];  // 255 characters and a zero
   char* cursor_ = text_;
   char* end_ = text_;
-  const char* begin_ = text_;  // where the last token() started to look
 };
 
 // Takes a line that must be a number of the element, and gives the number's text. The text lies in the line.
@@ -90,7 +89,7 @@ bool readNumber(std::ifstream& in, std::string_view element, Line& line, std::st
 // looks like the text is the end of the element: that is the empty text.
 std::string_view takeText(Line& line) {
   const std::string_view text = line.token(kText);
-  if (text == "/>" && line.skippedBefore(text).ends_with("\"\"")) return {};
+  if (text == "/>" && line.before(text).ends_with("\"\"")) return {};
   return text;
 }
 
@@ -105,8 +104,9 @@ Integer parseInteger(std::string_view text) {
   }
   long long number = 0;
   const std::from_chars_result end = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (end.ec == std::errc::result_out_of_range)
+  if (end.ec == std::errc::result_out_of_range) {
     number = text.starts_with('-') ? Limits::min() : Limits::max();
+  }
   constexpr long long kLeast = std::numeric_limits<Integer>::min();
   constexpr long long kMost = std::numeric_limits<Integer>::max();
   return static_cast<Integer>(std::clamp(number, kLeast, kMost));
