@@ -119,7 +119,7 @@ unsigned int truncateToUnsigned(double number) {
   return number < static_cast<double>(kMost) ? static_cast<unsigned int>(number) : kMost;
 }
 
-bool isPlainDecimal(std::string_view text) {
+[[maybe_unused]] bool isPlainDecimal(std::string_view text) {
   if (text.starts_with('-')) text.remove_prefix(1);
   return !text.empty() && text.front() >= '0' && text.front() <= '9';
 }
