@@ -10,6 +10,7 @@
 #include "korassoc/dictionary/SetCounter.h"
 #include "korassoc/dictionary/SetDictionary.h"
 #include "korassoc/engine/AssociationAlgorithmSettings.h"
+#include "korassoc/engine/CarmaAssociationAlgorithm.h"
 #include "korassoc/engine/CarmaSettings.h"
 #include "korassoc/engine/DictionarySettings.h"
 #include "korassoc/engine/Exceptions.h"

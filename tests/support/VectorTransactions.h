@@ -28,12 +28,14 @@ class VectorTransaction : public Transaction {
   std::vector<int> items_;
 };
 
+using Transactions = std::vector<std::vector<int>>;
+
 // Gives its transactions in order, over and over after each Restart. The public fields are the script:
 // positions count transactions from 0 within a pass, -1 is never.
 class VectorTransactions : public MultiPassTransIter {
  public:
   VectorTransactions() = default;
-  explicit VectorTransactions(const std::vector<std::vector<int>>& transactions) {
+  explicit VectorTransactions(const Transactions& transactions) {
     for (const auto& items : transactions) add(items);
   }
 

@@ -1,0 +1,151 @@
+#include "korassoc/engine/CarmaAssociationAlgorithm.h"
+
+#include <iostream>
+#include <stdexcept>
+#include <utility>
+
+#include "korassoc/base/Version.h"
+#include "korassoc/dictionary/CarmaSetDescriptor.h"
+#include "korassoc/dictionary/SetDictionary.h"
+#include "korassoc/engine/CarmaCancelContext.h"
+#include "korassoc/engine/CarmaCore.h"
+#include "korassoc/engine/CarmaFailedRestartContext.h"
+#include "korassoc/engine/CarmaSaveContext.h"
+#include "korassoc/engine/CarmaSettings.h"
+#include "korassoc/engine/Caught.h"
+#include "korassoc/engine/CeilArray.h"
+#include "korassoc/engine/PhaseIContext.h"
+#include "korassoc/engine/PhaseIIContext.h"
+
+using KorAssoc::KorStatus;
+using korassoc::detail::completes;
+using korassoc::detail::Operation;
+
+CarmaAssociationAlgorithm::CarmaAssociationAlgorithm(CarmaSettings* settings, MultiPassTransIter* iterator)
+    : settings_(settings), iterator_(iterator), state_(&PhaseIContext::instance()) {
+  const bool made = completes([this] {
+    if (settings_ == nullptr) throw std::invalid_argument("no settings");
+    ceilings_ = std::make_unique<CeilArray>(settings_->GetMaxNumSigmaChunks());
+    dictionary_ = std::make_unique<SetDictionary>(settings_->GetMaxLengthSet(),
+                                                  &settings_->GetDictionarySettings(), true);
+    core_ = std::make_unique<CarmaCore>(settings_->GetMaxLengthSet(), settings_->GetMaxTranLength());
+    auto emptySet = std::make_unique<CarmaSetDescriptor>(0, 0, 0);
+    if (dictionary_->addEmptySet(emptySet.get())) emptySet.release();
+  });
+  if (!made) failRestart();
+}
+
+CarmaAssociationAlgorithm::~CarmaAssociationAlgorithm() = default;
+
+void CarmaAssociationAlgorithm::Cancel() { state_->Cancel(*this); }
+
+KorStatus CarmaAssociationAlgorithm::SaveState(std::fstream& stream) {
+  return state_->SaveState(*this, stream);
+}
+
+KorStatus CarmaAssociationAlgorithm::SaveStateXML(std::ostream& stream) {
+  return state_->SaveStateXML(*this, stream);
+}
+
+void CarmaAssociationAlgorithm::SetProgressListener(ProgressListener* listener) {
+  state_->SetProgressListener(*this, listener);
+}
+
+void CarmaAssociationAlgorithm::SetSupportSource(SupportSource* source) {
+  state_->SetSupportSource(*this, source);
+}
+
+void CarmaAssociationAlgorithm::SetMaxInStoreSets(int sets) { state_->SetMaxInStoreSets(*this, sets); }
+
+KorStatus CarmaAssociationAlgorithm::RunPhaseI(int transactions) {
+  return transactions > 0 ? state_->RunPhaseI(*this, transactions) : KorStatus();
+}
+
+KorStatus CarmaAssociationAlgorithm::RunPhaseII() {
+  state_->EndPhaseI(*this);  // refused when phase I has ended already
+  return state_->RunPhaseII(*this);
+}
+
+KorStatus CarmaAssociationAlgorithm::RunPhaseIIrandom() {
+  state_->EndPhaseI(*this);
+  return state_->RunPhaseIIrandom(*this);
+}
+
+KorStatus CarmaAssociationAlgorithm::RunNullPhaseII(double fraction) {
+  if (!cancelRequested_) {
+    const KorStatus ended = state_->EndPhaseI(*this);
+    if (!ended.IsOK()) return ended;
+    changeState(PhaseIIContext::instance());
+    const KorStatus result = state_->RunNullPhaseII(*this, fraction);
+    if (result.IsOK() || result.GetCode() != 1) return result;
+  }
+  doCancel();
+  return currentStatus_;
+}
+
+SemiLattice* CarmaAssociationAlgorithm::GetLattice() { return state_->GetLattice(*this); }
+
+KorStatus CarmaAssociationAlgorithm::GetStatus() const { return currentStatus_; }
+
+double CarmaAssociationAlgorithm::AverageSupport() const { return state_->AverageSupport(*this); }
+
+bool CarmaAssociationAlgorithm::IsLatticeBuilt() const {
+  return dictionary_ && dictionary_->isLatticeBuilt();
+}
+
+int CarmaAssociationAlgorithm::NumberOfSets() const {
+  return dictionary_ ? dictionary_->getTotalSetCount() : -1;
+}
+
+int CarmaAssociationAlgorithm::NumberOfTransactions() const {
+  return dictionary_ ? dictionary_->getEmptySetCount() : -1;
+}
+
+int CarmaAssociationAlgorithm::LongestSet() const {
+  return dictionary_ ? dictionary_->getHighestLevel() : -1;
+}
+
+int CarmaAssociationAlgorithm::CountSetsOfSize(int length) const {
+  return dictionary_ ? dictionary_->getLevelSize(length) : -1;
+}
+
+void CarmaAssociationAlgorithm::DisplayDictInfo() const {
+  for (int length = 0; length <= LongestSet(); ++length) {
+    std::cout << "sets of size " << length << ' ' << CountSetsOfSize(length) << std::endl;
+  }
+}
+
+std::string CarmaAssociationAlgorithm::GetComponentVersion() { return korassoc::detail::componentVersion(); }
+
+CarmaAssociationAlgorithm::Running::~Running() {
+  if (--engine_.running_ > 0) return;
+  engine_.retiredCore_.reset();
+  engine_.retiredDictionary_.reset();
+  engine_.retiredCeilings_.reset();
+}
+
+KorStatus CarmaAssociationAlgorithm::setStatus(const KorStatus& status) {
+  currentStatus_ = status;
+  return currentStatus_;
+}
+
+void CarmaAssociationAlgorithm::doCancel() {
+  {
+    const Running once(*this);
+    if (core_) retiredCore_ = std::move(core_);
+    if (dictionary_) retiredDictionary_ = std::move(dictionary_);
+    if (ceilings_) retiredCeilings_ = std::move(ceilings_);
+  }
+  setStatus(KorStatus(1, false));
+  changeState(CarmaCancelContext::instance());
+}
+
+void CarmaAssociationAlgorithm::failRestart() {
+  core_.reset();
+  dictionary_.reset();
+  ceilings_.reset();
+  if (ownSettings_) settings_ = nullptr;
+  ownSettings_.reset();
+  setStatus(KorStatus(5, false));
+  changeState(CarmaFailedRestartContext::instance());
+}

@@ -1,0 +1,180 @@
+// The engine that a host drives: two phases over the transactions, then questions to the lattice.
+
+#pragma once
+
+#include <atomic>
+#include <fstream>
+#include <functional>
+#include <iosfwd>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "korassoc/base/Export.h"
+#include "korassoc/engine/KorStatus.h"
+
+class AssociationRule;
+class CarmaContext;
+class CarmaCore;
+class CarmaSettings;
+class CeilArray;
+class ConsequentDescriptor;
+class ItemSet;
+class MultiPassTransIter;
+class ProgressListener;
+class SemiLattice;
+class SetDictionary;
+class SupportSource;
+
+namespace korassoc::detail {
+enum class Operation;
+}
+
+// A run: install a support source in the settings and construct; RunPhaseI once or several times; RunPhaseII
+// (or one of its two variants); then any number of queries and exports. SaveState works between two calls of
+// RunPhaseI, SaveStateXML also after phase II.
+//
+//   constructed --> phase I --RunPhaseII, ...--> phase II            Cancel leads from either to a cancelled
+//   engine,
+//                   RunPhaseI, SaveState         queries, exports    a failed construction to an unusable
+//                   one.
+//
+// Each operation is carried out or refused by the state that the engine is in; a refusal is a status too:
+//   4 saving is not possible now, 5 the engine is unusable, 6 not permitted in this state, 1 the engine is
+//   cancelled.
+//
+// Supports and confidences are fractions from 0 to 1, lengths are numbers of items.
+// Ownership: settings and iterator stay the host's and must outlive the engine; settings read from a saved
+// state are
+//   the engine's own. What the host's callbacks are given dies with the call.
+// Errors: no operation that returns a status lets an exception out, nor does a constructor; what a callback
+// of the
+//   host throws becomes a status like any failure of the library.
+// Threads: all work runs on the caller's thread. Cancel alone may be called while another operation runs.
+class KORASSOC_EXPORT CarmaAssociationAlgorithm {
+ public:
+  // An engine ready for phase I. Null settings, or an exception, leave it unusable: GetStatus tells code 5,
+  // error.
+  CarmaAssociationAlgorithm(CarmaSettings* settings, MultiPassTransIter* iterator);
+
+  ~CarmaAssociationAlgorithm();
+  CarmaAssociationAlgorithm(const CarmaAssociationAlgorithm&) = delete;
+  CarmaAssociationAlgorithm& operator=(const CarmaAssociationAlgorithm&) = delete;
+
+  // Asks the engine to stop; the running phase or rule creation notices at its next check, otherwise the next
+  // operation. What was counted is given up then, and the engine answers with code 1 from there on.
+  void Cancel();
+
+  // Write the engine's whole state, from which a constructor resumes it: in binary between two calls of
+  // RunPhaseI (the last of which was good), as XML also after phase II. Code 2, error: the stream failed. The
+  // refusals have code 4.
+  KorAssoc::KorStatus SaveState(std::fstream& stream);
+  KorAssoc::KorStatus SaveStateXML(std::ostream& stream);
+
+  // Installs the object in the settings, which own it from then on and delete the one before. An engine that
+  // is cancelled or unusable, and for a support source also one in phase II, leaves it to the caller.
+  void SetProgressListener(ProgressListener* listener);
+  void SetSupportSource(SupportSource* source);
+
+  // The most itemsets kept in memory. Has an effect before phase II only.
+  void SetMaxInStoreSets(int sets);
+
+  // Reads at most transactions further transactions. 0 or less changes nothing and is OK. Code 1, warning:
+  // stopped by Cancel. Code 3, error: memory was full and nothing could be evicted. Code 40001, warning: an
+  // exception in the work or in a callback, no support source or no iterator; a line goes to standard output.
+  KorAssoc::KorStatus RunPhaseI(int transactions);
+
+  // Closes phase I if it is open, reads the same transactions again and builds the lattice from exact counts.
+  // Code 2, error: the iterator could not restart. Code 3, error: more sets are stored than the settings
+  // allow.
+  KorAssoc::KorStatus RunPhaseII();
+
+  // The same for an iterator that delivers its second pass in another order. It counts the one-item sets
+  // anew, too.
+  KorAssoc::KorStatus RunPhaseIIrandom();
+
+  // Closes phase I and builds the lattice from phase I's counts. The number of transactions grows by its
+  // given fraction, to allow for what was missed. Refused once phase II has begun.
+  KorAssoc::KorStatus RunNullPhaseII(double fraction);
+
+  // The lattice, owned by the engine; null outside phase II.
+  SemiLattice* GetLattice();
+
+  // The engine's status: the result of the last operation that set it.
+  KorAssoc::KorStatus GetStatus() const;
+
+  // The average of the support thresholds so far, each raised to the highest that came after it; 0 when there
+  // is none or the engine is cancelled.
+  double AverageSupport() const;
+
+  bool IsLatticeBuilt() const;
+
+  // Stored itemsets, the empty one included; transactions; items of the longest stored set; stored sets of a
+  // length. All -1 when the engine is cancelled or unusable.
+  int NumberOfSets() const;
+  int NumberOfTransactions() const;
+  int LongestSet() const;
+  int CountSetsOfSize(int length) const;
+
+  // Writes one line "sets of size k n" for each length k from 0 to LongestSet() to standard output.
+  void DisplayDictInfo() const;
+
+  // Product, version and copyright line.
+  static std::string GetComponentVersion();
+
+ private:
+  friend class CarmaContext;
+  friend class CarmaSaveContext;
+  friend class PhaseIContext;
+  friend class PhaseIIContext;
+  friend class PhaseIReporter;
+  friend class PhaseIIReporter;
+  friend struct CarmaAssociationAlgorithmTestAccess;
+
+  // While one lives, doCancel only puts aside what it gives up: a callback may have cancelled the engine in
+  // the middle of an operation that still works with it.
+  class Running {
+   public:
+    explicit Running(CarmaAssociationAlgorithm& engine) : engine_(engine) { ++engine_.running_; }
+    ~Running();
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+
+   private:
+    CarmaAssociationAlgorithm& engine_;
+  };
+
+  void changeState(const CarmaContext& state) { state_ = &state; }
+
+  // Makes status the engine's own and returns it.
+  KorAssoc::KorStatus setStatus(const KorAssoc::KorStatus& status);
+
+  // Gives up what was counted; the engine is cancelled from then on. May be repeated.
+  void doCancel();
+
+  // Gives up everything; the engine is unusable from then on.
+  void failRestart();
+
+  KorAssoc::KorStatus ask(korassoc::detail::Operation operation,
+                          const std::function<KorAssoc::KorStatus(SetDictionary&)>& query);
+
+  std::unique_ptr<CarmaSettings> ownSettings_;  // only when they came from a saved state
+  CarmaSettings* settings_;
+  MultiPassTransIter* iterator_;
+  std::atomic<bool> cancelRequested_ = false;
+  std::unique_ptr<CarmaCore> core_;            // null when cancelled or unusable,
+  std::unique_ptr<SetDictionary> dictionary_;  // like these two
+  std::unique_ptr<CeilArray> ceilings_;
+  int setsRemoved_ = 0;           // by the prunings of phase I
+  int peakSets_ = 0;              // the most sets at a pruning point of phase I
+  double currentSupport_ = 0.0;   // what the support source said last
+  int transactionsSeen_ = 0;      // by the end of the last good call of RunPhaseI
+  double supportCount_ = 1.0;     // the count of the last pruning in phase I
+  bool phaseIResumable_ = false;  // phase I stands between two calls, the last of which was good
+  int running_ = 0;               // operations on the stack that work with core, dictionary and ceilings
+  std::unique_ptr<CarmaCore> retiredCore_;  // given up while operations ran
+  std::unique_ptr<SetDictionary> retiredDictionary_;
+  std::unique_ptr<CeilArray> retiredCeilings_;
+  KorAssoc::KorStatus currentStatus_;
+  const CarmaContext* state_;  // never null
+};

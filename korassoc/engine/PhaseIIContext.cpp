@@ -1,0 +1,116 @@
+#include "korassoc/engine/PhaseIIContext.h"
+
+#include <stdexcept>
+
+#include "korassoc/dictionary/SetDictionary.h"
+#include "korassoc/engine/CarmaAssociationAlgorithm.h"
+#include "korassoc/engine/CarmaCore.h"
+#include "korassoc/engine/CarmaSettings.h"
+#include "korassoc/engine/Caught.h"
+#include "korassoc/engine/CeilArray.h"
+#include "korassoc/engine/MultiPassTransIter.h"
+#include "korassoc/engine/PhaseIIReporter.h"
+#include "korassoc/itemsets/CountBound.h"
+
+using KorAssoc::KorStatus;
+using korassoc::detail::completes;
+using korassoc::detail::kExceptionCode;
+
+// In what the two forms of the second pass differ.
+struct PhaseIIContext::Variant {
+  bool needsLongSets;  // nothing is counted when the settings allow sets of one item only
+  int firstLevel;      // the shortest sets that are counted anew
+};
+
+const PhaseIIContext& PhaseIIContext::instance() {
+  static const PhaseIIContext instance;
+  return instance;
+}
+
+KorStatus PhaseIIContext::RunPhaseII(Engine& engine) const { return run(engine, {true, 2}); }
+
+KorStatus PhaseIIContext::RunPhaseIIrandom(Engine& engine) const { return run(engine, {false, 1}); }
+
+KorStatus PhaseIIContext::run(Engine& engine, const Variant& variant) const {
+  const Engine::Running running(engine);
+  KorStatus result;
+  if (!completes([&] { result = pass(engine, variant); })) result = KorStatus(kExceptionCode, false);
+  if (engine.cancelRequested_ && result.IsOK()) result = KorStatus(1, false);
+  return engine.setStatus(result);
+}
+
+KorStatus PhaseIIContext::pass(Engine& engine, const Variant& variant) const {
+  if (engine.iterator_ == nullptr) throw std::logic_error("no transactions");
+  SetDictionary& dictionary = *engine.dictionary_;
+  engine.transactionsSeen_ = engine.core_->transactions();
+  const bool restarted = engine.iterator_->Restart() == 0;
+  const bool tooMany =
+      dictionary.getTotalSetCount() > engine.settings_->GetDictionarySettings().GetMaxInStoreSets();
+  const bool hasLongSets = dictionary.getHighestLevel() > 1;
+  const bool counts = hasLongSets && (!variant.needsLongSets || engine.settings_->GetMaxLengthSet() > 1);
+  if (restarted && !tooMany && counts) return countAgain(engine, variant);
+  if (tooMany) return KorStatus(3, false);
+  if (!engine.cancelRequested_ && !hasLongSets) {
+    dictionary.buildLattice();
+    report(engine);
+    return KorStatus();
+  }
+  return restarted ? KorStatus() : KorStatus(2, false);
+}
+
+KorStatus PhaseIIContext::countAgain(Engine& engine, const Variant& variant) const {
+  SetDictionary& dictionary = *engine.dictionary_;
+  CarmaCore& core = *engine.core_;
+  const int frequency = engine.settings_->GetReportFreqPhaseII();
+  core.preparePhaseII(dictionary, variant.firstLevel);
+  for (int count = 0; count < engine.transactionsSeen_;) {
+    if (!engine.iterator_->HasNext()) break;
+    if (engine.cancelRequested_) {
+      engine.doCancel();
+      return engine.currentStatus_;
+    }
+    const Transaction* transaction = engine.iterator_->Next();
+    if (transaction == nullptr) break;
+    ++count;
+    core.stepPhaseII(dictionary, *transaction);
+    if (frequency != 0 && count % frequency == 0) report(engine);
+  }
+  if (engine.cancelRequested_) return KorStatus();
+  dictionary.removeSmallSets(engine.transactionsSeen_ * engine.ceilings_->average());
+  dictionary.buildLattice();
+  report(engine);
+  return KorStatus();
+}
+
+KorStatus PhaseIIContext::RunNullPhaseII(Engine& engine, double fraction) const {
+  KorStatus result;
+  const bool done = completes([&] {
+    const int seen = engine.transactionsSeen_;
+    const int added = korassoc::detail::countBoundFromFraction(seen, fraction);
+    SetDictionary& dictionary = *engine.dictionary_;
+    result = dictionary.takeTransactionCount(korassoc::detail::saturatingSum(seen, added));
+    if (!result.IsOK()) return;
+    dictionary.removeSmallSets(seen * engine.currentSupport_);
+    dictionary.buildLattice();
+  });
+  return done ? result : KorStatus(kExceptionCode, false);
+}
+
+SemiLattice* PhaseIIContext::GetLattice(Engine& engine) const { return engine.dictionary_.get(); }
+
+KorStatus PhaseIIContext::Ask(Engine& engine, korassoc::detail::Operation /*operation*/,
+                              const Query& query) const {
+  const Engine::Running running(engine);
+  KorStatus result;
+  if (!completes([&] { result = query(*engine.dictionary_); })) result = KorStatus(kExceptionCode, false);
+  engine.setStatus(result);
+  if (result.IsOK() && engine.cancelRequested_) engine.doCancel();
+  return engine.currentStatus_;
+}
+
+void PhaseIIContext::report(Engine& engine) {
+  ProgressListener* listener = engine.settings_->GetProgressListener();
+  if (listener == nullptr) return;
+  PhaseIIReporter report(engine);
+  listener->OnProgress(&report);
+}

@@ -1,0 +1,28 @@
+// The state after phase I: a second pass can be made, and the lattice answers.
+
+#pragma once
+
+#include "korassoc/engine/CarmaContext.h"
+
+class PhaseIIContext : public CarmaContext {
+ public:
+  static const PhaseIIContext& instance();
+
+  KorAssoc::KorStatus RunNullPhaseII(Engine& engine, double fraction) const override;
+  KorAssoc::KorStatus RunPhaseII(Engine& engine) const override;
+  KorAssoc::KorStatus RunPhaseIIrandom(Engine& engine) const override;
+  SemiLattice* GetLattice(Engine& engine) const override;
+  KorAssoc::KorStatus Ask(Engine& engine, korassoc::detail::Operation operation,
+                          const Query& query) const override;
+
+ protected:
+  korassoc::detail::State state() const override { return korassoc::detail::State::PhaseII; }
+
+ private:
+  struct Variant;
+
+  KorAssoc::KorStatus run(Engine& engine, const Variant& variant) const;
+  KorAssoc::KorStatus pass(Engine& engine, const Variant& variant) const;
+  KorAssoc::KorStatus countAgain(Engine& engine, const Variant& variant) const;
+  static void report(Engine& engine);
+};

@@ -1,0 +1,22 @@
+// What phase II reports of its progress.
+
+#pragma once
+
+#include <string>
+
+#include "korassoc/engine/ProgressReport.h"
+
+class CarmaAssociationAlgorithm;
+
+// Answers from the live engine, which must outlive the report. Integers: "nTrans", the transactions of phase
+// I; "nTransII", those processed so far in phase II; "setTotal", the stored sets now. No real values.
+class PhaseIIReporter : public ProgressReport {
+ public:
+  explicit PhaseIIReporter(const CarmaAssociationAlgorithm& engine) : engine_(engine) {}
+
+  int GetIntValue(const std::string& key) const override;
+  double GetDoubleValue(const std::string& key) const override;
+
+ private:
+  const CarmaAssociationAlgorithm& engine_;
+};

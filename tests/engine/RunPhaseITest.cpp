@@ -1,0 +1,368 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <iostream>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "korassoc/engine/CarmaAssociationAlgorithm.h"
+#include "korassoc/engine/CarmaSettings.h"
+#include "korassoc/engine/Exceptions.h"
+#include "tests/support/EngineHost.h"
+#include "tests/support/EngineTestAccess.h"
+#include "tests/support/Hosts.h"
+#include "tests/support/StreamCapture.h"
+#include "tests/support/VectorTransactions.h"
+
+namespace {
+
+using Access = CarmaAssociationAlgorithmTestAccess;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+}  // namespace
+
+TEST(RunPhaseI, ChangesNothingWhenAskedForZeroOrLess) {
+  EngineHost run(Transactions{{1}, {1}});
+  Access::setStatus(*run.engine, error(40001));
+  for (const int transactions : {0, -5, -2147483647 - 1}) {
+    EXPECT_EQ(shortForm(run.engine->RunPhaseI(transactions)), "OK");
+    EXPECT_EQ(shortForm(run.engine->GetStatus()), "E40001");
+  }
+  EXPECT_EQ(run.source.hasNextCalls, 0);
+  EXPECT_EQ(run.engine->NumberOfTransactions(), 0);
+  EXPECT_FALSE(Access::isResumable(*run.engine));
+}
+
+TEST(RunPhaseI, ReadsAtMostTheTransactionsAskedForAndGoesOnFromThere) {
+  EngineHost run(repeated({7}, 5));
+  EXPECT_EQ(shortForm(run.engine->RunPhaseI(2)), "OK");
+  EXPECT_EQ(run.source.position(), 2);
+  EXPECT_EQ(run.engine->NumberOfTransactions(), 2);
+  EXPECT_EQ(Access::transactionsSeen(*run.engine), 2);
+  EXPECT_EQ(shortForm(run.engine->RunPhaseI(100)), "OK");
+  EXPECT_EQ(run.engine->NumberOfTransactions(), 5);
+  EXPECT_EQ(Access::transactionsSeen(*run.engine), 5);
+  EXPECT_EQ(run.count(7), 5);
+}
+
+TEST(RunPhaseI, AsksForTheSupportOfEachTransactionCountedOverAllCalls) {
+  EngineHost run(repeated({7}, 5));
+  TestSupport& support = run.support([](int transaction) { return 0.125 * transaction; });
+  run.engine->RunPhaseI(2);
+  run.engine->RunPhaseI(2);
+  EXPECT_THAT(support.asked, ElementsAre(1, 2, 3, 4));
+  EXPECT_EQ(Access::currentSupport(*run.engine), 0.5);
+  EXPECT_EQ(run.engine->AverageSupport(), 0.5);  // every chunk was raised to the last support
+}
+
+TEST(RunPhaseI, StopsWithoutAskingForASupportWhenTheNextTransactionIsNull) {
+  EngineHost run(repeated({7}, 5));
+  run.source.nullAt = 3;
+  TestSupport& support = run.support([](int) { return 0.5; });
+  EXPECT_EQ(shortForm(run.engine->RunPhaseI(5)), "OK");
+  EXPECT_THAT(support.asked, ElementsAre(1, 2, 3));
+  EXPECT_EQ(run.engine->NumberOfTransactions(), 3);
+  EXPECT_TRUE(Access::isResumable(*run.engine));
+}
+
+TEST(RunPhaseI, CountsARepeatedItemOnceForEachPosition) {
+  EngineHost run(Transactions{{4}, {4, 4}});
+  run.engine->RunPhaseI(2);
+  EXPECT_EQ(run.count(4), 3);
+}
+
+TEST(RunPhaseI, TakesATransactionOfNegativeLengthAsEmpty) {
+  EngineHost run(Transactions{{4}, {4}});
+  run.source.at(1).length = -3;
+  EXPECT_EQ(shortForm(run.engine->RunPhaseI(2)), "OK");
+  EXPECT_EQ(run.engine->NumberOfTransactions(), 2);
+  EXPECT_EQ(run.count(4), 1);
+}
+
+// 10 transactions at support 0.5: at the 10th, everything below a count of 5 goes. Items 1 and 2 have 6
+// and 4.
+TEST(RunPhaseI, PrunesAtEveryMultipleOfThePruningFrequency) {
+  auto transactions = repeated({1}, 6);
+  transactions.insert(transactions.end(), 4, {2});
+  EngineHost run(transactions);
+  run.engine->RunPhaseI(9);
+  EXPECT_EQ(run.count(2), 0) << "3 transactions of 9 are below the 4 of the closing prune (4.5 cut off)";
+  EXPECT_EQ(Access::supportCount(*run.engine), 4.0);
+  EXPECT_EQ(Access::setsRemoved(*run.engine), 1);
+  EXPECT_EQ(Access::peakSets(*run.engine), 0) << "only a pruning point of the loop sets it";
+  run.engine->RunPhaseI(1);
+  EXPECT_EQ(Access::supportCount(*run.engine), 5.0);
+  EXPECT_EQ(Access::peakSets(*run.engine), 3) << "the empty set, 1, and 2 that came back";
+  EXPECT_EQ(Access::setsRemoved(*run.engine), 2);
+  EXPECT_EQ(run.engine->NumberOfSets(), 2);
+  EXPECT_EQ(run.count(1), 6);
+}
+
+TEST(RunPhaseI, RoundsAThresholdThatIsAnIntegerUpToNoise) {
+  const double support = std::nextafter(0.7, 0.0);
+  ASSERT_LT(10 * support, 7.0);
+  EngineHost noisy(repeated({1}, 10), support);
+  noisy.engine->RunPhaseI(10);
+  EXPECT_EQ(Access::supportCount(*noisy.engine), 7.0);
+  EngineHost cutOff(repeated({1}, 10), 0.79);
+  cutOff.engine->RunPhaseI(10);
+  EXPECT_EQ(Access::supportCount(*cutOff.engine), 7.0);
+}
+
+TEST(RunPhaseI, PrunesOnceWhenItEndsOnAMultipleOfThePruningFrequency) {
+  EngineHost run(repeated({1}, 10));
+  run.engine->RunPhaseI(10);
+  EXPECT_EQ(Access::supportCount(*run.engine), 5.0);
+  // An end off the frequency would prune with an average of 0 here, since nothing is read.
+  run.engine->RunPhaseI(1);
+  EXPECT_EQ(Access::supportCount(*run.engine), 5.0);
+}
+
+TEST(RunPhaseI, PrunesWithACountOfZeroWhenItReadNothing) {
+  EngineHost run(repeated({1}, 9));
+  run.engine->RunPhaseI(9);
+  EXPECT_EQ(Access::supportCount(*run.engine), 4.0);
+  EXPECT_EQ(shortForm(run.engine->RunPhaseI(1)), "OK");
+  EXPECT_EQ(Access::supportCount(*run.engine), 0.0);
+  EXPECT_EQ(run.count(1), 9);
+}
+
+TEST(RunPhaseI, PrunesAtTheEndOfEachCallOnlyWhenTheFrequencyIsZero) {
+  EngineHost run(repeated({1}, 20));
+  run.settings->SetRemoveSmallFreq(0);
+  run.settings->SetReportFreqPhaseI(1);
+  const TestListener& listener = run.listen(nullptr);
+  EXPECT_EQ(shortForm(run.engine->RunPhaseI(20)), "OK");
+  EXPECT_EQ(Access::supportCount(*run.engine), 10.0);
+  EXPECT_EQ(Access::peakSets(*run.engine), 0);
+  EXPECT_EQ(listener.reports, 1);
+}
+
+TEST(RunPhaseI, ReportsAtCommonMultiplesOfBothFrequenciesAndAtTheEnd) {
+  EngineHost run(repeated({1}, 120));
+  run.settings->SetReportFreqPhaseI(25);
+  std::vector<int> reportedAt;
+  run.listen([&](ProgressReport& report) { reportedAt.push_back(report.GetIntValue("nTrans")); });
+  run.engine->RunPhaseI(120);
+  EXPECT_THAT(reportedAt, ElementsAre(50, 100, 120));
+  reportedAt.clear();
+  run.engine->RunPhaseI(1);
+  EXPECT_THAT(reportedAt, ElementsAre(120)) << "the end is reported also when nothing was read";
+}
+
+TEST(RunPhaseI, ReportsTheEndAloneWhenTheReportFrequencyIsZero) {
+  EngineHost run(repeated({1}, 100));
+  run.settings->SetReportFreqPhaseI(0);
+  const TestListener& listener = run.listen(nullptr);
+  run.engine->RunPhaseI(100);
+  EXPECT_EQ(listener.reports, 1);
+}
+
+TEST(RunPhaseI, RefusesASaveWhileItRuns) {
+  EngineHost run(repeated({1}, 10));
+  run.settings->SetReportFreqPhaseI(10);
+  run.engine->RunPhaseI(1);
+  std::string during;
+  std::fstream closed;
+  run.listen([&](ProgressReport&) { during += shortForm(run.engine->SaveState(closed)) + " "; });
+  run.engine->RunPhaseI(9);
+  EXPECT_EQ(during, "W4 W4 ");
+  EXPECT_EQ(shortForm(run.engine->GetStatus()), "OK");
+}
+
+TEST(RunPhaseI, EndsWithCodeThreeWhenMemoryIsFull) {
+  EngineHost run(Transactions{{1}, {2}, {3}});
+  run.engine->SetMaxInStoreSets(3);  // the empty set, 1 and 2
+  EXPECT_EQ(shortForm(run.engine->RunPhaseI(3)), "E3");
+  EXPECT_EQ(shortForm(run.engine->GetStatus()), "E3");
+  EXPECT_EQ(Access::transactionsSeen(*run.engine), 0) << "only a call that ends well moves it";
+  EXPECT_FALSE(Access::isResumable(*run.engine));
+  EXPECT_EQ(run.count(1), 1) << "what was counted stays";
+  EXPECT_EQ(Access::supportCount(*run.engine), 1.0) << "and is not pruned";
+}
+
+TEST(RunPhaseI, NeedsASupportSource) {
+  CarmaSettings settings;
+  VectorTransactions source(Transactions{{1}});
+  CarmaAssociationAlgorithm engine(&settings, &source);
+  const StreamCapture output(std::cout);
+  EXPECT_EQ(shortForm(engine.RunPhaseI(1)), "W40001");
+  EXPECT_EQ(output.text(), "Dictionary Failure\n");
+  EXPECT_EQ(shortForm(engine.GetStatus()), "W40001");
+  EXPECT_FALSE(Access::isResumable(engine));
+}
+
+TEST(RunPhaseI, NeedsAnIterator) {
+  auto settings = settingsWithSupport(0.5);
+  CarmaAssociationAlgorithm engine(settings.get(), nullptr);
+  const StreamCapture output(std::cout);
+  EXPECT_EQ(shortForm(engine.RunPhaseI(1)), "W40001");
+  EXPECT_EQ(output.text(), "Dictionary Failure\n");
+}
+
+TEST(RunPhaseI, CatchesWhatTheCallbacksOfTheHostThrow) {
+  struct Case {
+    const char* what;
+    std::function<void(EngineHost&)> prepare;
+  };
+  const Case cases[] = {
+      {"HasNext", [](EngineHost& run) { run.source.throwInHasNextAt = 4; }},
+      {"Next", [](EngineHost& run) { run.source.throwInNextAt = 4; }},
+      {"GetItem", [](EngineHost& run) { run.source.at(4).throwing = true; }},
+      {"GetSupport",
+       [](EngineHost& run) {
+         run.support([](int transaction) -> double {
+           if (transaction == 5) throw std::runtime_error("GetSupport");
+           return 0.5;
+         });
+       }},
+      {"GetSupport with a pointer",
+       [](EngineHost& run) { run.support([](int) -> double { throw new IOException(); }); }},
+      {"OnProgress at a report point",
+       [](EngineHost& run) {
+         run.settings->SetReportFreqPhaseI(10);
+         run.listen([](ProgressReport&) { throw 5; });
+       }},
+      {"OnProgress at the end",
+       [](EngineHost& run) { run.listen([](ProgressReport&) { throw std::runtime_error("OnProgress"); }); }}};
+  for (const Case& c : cases) {
+    EngineHost run(repeated({1}, 10));
+    c.prepare(run);
+    const StreamCapture output(std::cout);
+    std::string status;
+    EXPECT_NO_THROW(status = shortForm(run.engine->RunPhaseI(10))) << c.what;
+    EXPECT_EQ(status, "W40001") << c.what;
+    EXPECT_EQ(output.text(), "Dictionary Failure\n") << c.what;
+    EXPECT_EQ(shortForm(run.engine->GetStatus()), "W40001") << c.what;
+    EXPECT_FALSE(Access::isResumable(*run.engine)) << c.what;
+  }
+}
+
+TEST(RunPhaseI, SendsItsLastReportAlsoAfterAFailure) {
+  EngineHost run(repeated({1}, 10));
+  run.source.throwInNextAt = 4;
+  const TestListener& listener = run.listen(nullptr);
+  const StreamCapture output(std::cout);
+  run.engine->RunPhaseI(10);
+  EXPECT_EQ(listener.reports, 1);
+}
+
+TEST(RunPhaseI, CanGoOnAfterACallThatFailed) {
+  EngineHost run(repeated({1}, 10));
+  run.source.throwInNextAt = 4;
+  {
+    const StreamCapture output(std::cout);
+    run.engine->RunPhaseI(10);
+  }
+  run.source.throwInNextAt = -1;
+  EXPECT_EQ(shortForm(run.engine->RunPhaseI(10)), "OK");
+  EXPECT_EQ(run.engine->NumberOfTransactions(), 10);
+  EXPECT_EQ(Access::transactionsSeen(*run.engine), 10);
+}
+
+TEST(Cancel, StopsPhaseIAtItsNextTransaction) {
+  EngineHost run(repeated({1}, 100));
+  run.settings->SetReportFreqPhaseI(20);
+  std::vector<std::string> reports;
+  run.listen([&](ProgressReport& report) {
+    reports.push_back(std::to_string(report.GetIntValue("nTrans")));
+    run.engine->Cancel();
+  });
+  EXPECT_EQ(shortForm(run.engine->RunPhaseI(100)), "W1");
+  EXPECT_EQ(shortForm(run.engine->GetStatus()), "E1") << "the engine's own status is that of the cancel";
+  EXPECT_EQ(run.source.position(), 20);
+  EXPECT_THAT(reports, ElementsAre("20", "0")) << "the last report finds the core gone";
+  EXPECT_EQ(run.engine->NumberOfSets(), -1);
+  EXPECT_EQ(run.engine->NumberOfTransactions(), -1);
+  EXPECT_EQ(run.engine->LongestSet(), -1);
+  EXPECT_EQ(run.engine->CountSetsOfSize(1), -1);
+  EXPECT_EQ(run.engine->GetLattice(), nullptr);
+  EXPECT_FALSE(run.engine->IsLatticeBuilt());
+  EXPECT_EQ(run.engine->AverageSupport(), 0.0);
+  const StreamCapture output(std::cout);
+  run.engine->DisplayDictInfo();
+  EXPECT_EQ(output.text(), "");
+}
+
+TEST(Cancel, BeforePhaseICancelsItAtItsFirstTransaction) {
+  EngineHost run(repeated({1}, 3));
+  run.engine->Cancel();
+  EXPECT_EQ(shortForm(run.engine->GetStatus()), "OK") << "a wish changes nothing by itself";
+  EXPECT_EQ(run.engine->NumberOfSets(), 1);
+  EXPECT_EQ(shortForm(run.engine->RunPhaseI(3)), "W1");
+  EXPECT_EQ(run.source.nextCalls, 0);
+}
+
+TEST(Cancel, IsNotNoticedWhenNoTransactionIsLeft) {
+  EngineHost run(Transactions{});
+  run.engine->Cancel();
+  EXPECT_EQ(shortForm(run.engine->RunPhaseI(3)), "OK");
+  EXPECT_EQ(run.engine->NumberOfSets(), 1);
+}
+
+TEST(Cancel, KeepsWhatIsNotGivenUpForTheLastReport) {
+  auto transactions = repeated({1}, 6);
+  transactions.insert(transactions.end(), 5, {2});
+  EngineHost run(transactions);
+  run.settings->SetReportFreqPhaseI(10);
+  std::vector<int> ints;
+  std::vector<double> doubles;
+  run.listen([&](ProgressReport& report) {
+    ints.clear();
+    doubles.clear();
+    for (const char* key : {"nTrans", "longAdded", "maxExt", "setTotal", "removed", "memory"}) {
+      ints.push_back(report.GetIntValue(key));
+    }
+    for (const char* key : {"aveExt", "avSigma", "sigma"}) doubles.push_back(report.GetDoubleValue(key));
+    run.engine->Cancel();
+  });
+  EXPECT_EQ(shortForm(run.engine->RunPhaseI(11)), "W1");
+  EXPECT_THAT(ints, ElementsAre(0, 0, 0, 0, 1, 3));
+  EXPECT_THAT(doubles, ElementsAre(0.0, 0.0, 0.5));
+}
+
+TEST(Cancel, LeavesMemoryAtZeroWhenNoPruningPointHasSetIt) {
+  EngineHost run(repeated({1}, 3));
+  run.engine->Cancel();
+  int memory = -1;
+  run.listen([&](ProgressReport& report) { memory = report.GetIntValue("memory"); });
+  run.engine->RunPhaseI(3);
+  EXPECT_EQ(memory, 0);
+}
+
+// The listener's call finds the cancel and frees the dictionary; the run that called it must not fall over
+// it.
+TEST(Cancel, MayBeCarriedOutByAnOperationThatTheListenerCalls) {
+  EngineHost run(repeated({1}, 100));
+  run.settings->SetReportFreqPhaseI(20);
+  std::string inner;
+  run.listen([&](ProgressReport&) {
+    if (!inner.empty()) return;
+    inner = "running";
+    run.engine->Cancel();
+    inner = shortForm(run.engine->RunPhaseI(1));
+  });
+  EXPECT_EQ(shortForm(run.engine->RunPhaseI(100)), "W1");
+  EXPECT_EQ(inner, "W1");
+  EXPECT_EQ(shortForm(run.engine->GetStatus()), "E1");
+}
+
+TEST(RunPhaseI, EndsWhenTheListenerHasLedTheEngineOn) {
+  EngineHost run(repeated({1}, 100));
+  run.settings->SetReportFreqPhaseI(20);
+  std::string inner;
+  run.listen([&](ProgressReport&) {
+    if (!inner.empty()) return;
+    inner = "running";
+    inner = shortForm(run.engine->RunNullPhaseII(0.0));
+  });
+  EXPECT_EQ(shortForm(run.engine->RunPhaseI(100)), "OK");
+  EXPECT_EQ(inner, "OK");
+  EXPECT_NE(run.engine->GetLattice(), nullptr);
+  EXPECT_EQ(run.source.position(), 20);
+}
