@@ -12,11 +12,12 @@ namespace korassoc::detail {
 
 // A scratch file: it is empty when it is opened, and removing it is part of closing it.
 //
-// No call moves a shared position, so every read and write says where. Bytes that were never written inside
-// the size given by resize() read as zero and, where the file system allows, take no room on the disk. A file
-// that somebody removes under the object stays usable where open files outlive their names (POSIX); the name
-// is removed at the end only while it still names this very file. Errors: answers, never exceptions (an
-// allocation that fails while opening propagates).
+// No call moves a shared position, so every read and write says where.
+// Bytes that were never written inside the size given by resize() read as zero and, where the file system
+// allows, take no room on the disk.
+// A file that somebody removes under the object stays usable where open files outlive their names (POSIX);
+// the name is removed at the end only while it still names this very file.
+// Errors: answers, never exceptions (an allocation that fails while opening propagates).
 class PlatformFile {
  public:
   // A new file in the temporary directory: created exclusively, so no file or link of anybody else is ever

@@ -7,13 +7,12 @@
 #include <memory>
 #include <string>
 
-#include "korassoc/base/Export.h"
-
 namespace korassoc::detail {
 
 // Bytes that are read and written at offsets, as the spill store needs them. An interface, so that the
-// store's behaviour on a disk that fails can be shown without one. Errors: answers, never exceptions.
-class KORASSOC_EXPORT SpillFile {
+// store's behaviour on a disk that fails can be shown without one.
+// Errors: answers, never exceptions.
+class SpillFile {
  public:
   virtual ~SpillFile();  // closes and removes the file
 
@@ -28,6 +27,6 @@ class KORASSOC_EXPORT SpillFile {
 
 // The file on the disk: the named one, emptied, or for a null or empty name a new one of the current user's
 // own in the temporary directory. Null when it cannot be opened.
-KORASSOC_EXPORT std::unique_ptr<SpillFile> openSpillFile(const char* name);
+std::unique_ptr<SpillFile> openSpillFile(const char* name);
 
 }  // namespace korassoc::detail

@@ -36,16 +36,14 @@ class SpillFile;
 // The file has its full length from the start (9.6 MB at level 1, taking room on the disk only where
 // something was written) and is removed with the store.
 //
-// Failures. A file that cannot be opened, or not be laid out because the disk is full, leaves a store that
-// holds
-//   nothing and answers every request so. Later, nothing that was counted is lost without a word: a set that
-//   cannot be written is refused and its slot reads as empty; a count that cannot be read or written, a slot
-//   with an impossible state byte and a file that ends too early raise IOException, thrown as a pointer.
+// Failures: a file that cannot be opened, or not be laid out because the disk is full, leaves a store that
+//   holds nothing and answers every request so. Later, nothing that was counted is lost without a word: a set
+//   that cannot be written is refused and its slot reads as empty; a count that cannot be read or written, a
+//   slot with an impossible state byte and a file that ends too early raise IOException, thrown as a pointer.
 // Messages go to the standard output.
 // Ownership: add() copies; the caller keeps its set and descriptor.
-// Cost: one read for most searches, with neighbours in larger blocks where slots collide; one or two writes.
-// The
-//   bit set takes 92 kB of memory.
+// Cost: one read for most searches, more and larger ones where slots collide; one or two writes. The bit set
+//   takes 92 kB of memory.
 class KORASSOC_EXPORT SpillStore {
  public:
   static constexpr int kSlotCount = 737279;
