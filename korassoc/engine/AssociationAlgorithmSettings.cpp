@@ -3,11 +3,16 @@
 #include <iostream>
 
 #include "korassoc/base/BinaryRecord.h"
+#include "korassoc/xml/XMLObj.h"
+#include "korassoc/xml/XMLReader.h"
 
 using korassoc::detail::BinaryReader;
 using korassoc::detail::BinaryWriter;
 
 namespace {
+
+// Below the settings of the algorithm itself, which stand at level 1 of a state.
+constexpr int kNestingLevel = 2;
 
 std::uint64_t refusedRecord() {
   std::cout << "Error reading AssocAlgSettings!\n";
@@ -34,6 +39,25 @@ std::uint64_t AssociationAlgorithmSettings::WriteObject(std::fstream& stream) co
   const std::uint64_t bytes = record.finish() + dictionarySettings_.WriteObject(stream);
   stream.flush();
   return bytes;
+}
+
+std::uint64_t AssociationAlgorithmSettings::ReadObjectXML(std::ifstream& stream) {
+  if (!KorAssocXML::ParseStartObj(stream, "AssociationAlgorithmSettings") ||
+      !KorAssocXML::ParseValue(stream, maxTranLength_) || !KorAssocXML::ParseValue(stream, maxLengthSet_) ||
+      dictionarySettings_.ReadObjectXML(stream) == 0 || !KorAssocXML::ParseEndObj(stream)) {
+    return refusedRecord();
+  }
+  return 4;
+}
+
+std::uint64_t AssociationAlgorithmSettings::WriteObjectXML(std::ostream& stream) const {
+  const KorAssocXML::XMLObj object("AssociationAlgorithmSettings", kNestingLevel);
+  object.StartObj(stream);
+  object.WriteSubElement(stream, maxTranLength_);
+  object.WriteSubElement(stream, maxLengthSet_);
+  const std::uint64_t dictionaryLines = dictionarySettings_.WriteObjectXML(stream, kNestingLevel + 1);
+  object.EndObj(stream);
+  return dictionaryLines + 5;
 }
 
 void AssociationAlgorithmSettings::SetProgressListener(ProgressListener* listener) {

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <fstream>
+#include <iosfwd>
 #include <memory>
 
 #include "korassoc/base/Export.h"
@@ -25,6 +26,12 @@ class KORASSOC_EXPORT AssociationAlgorithmSettings {
   // dictionary's settings inside is thrown as an IOException, as a pointer.
   virtual std::uint64_t ReadObject(std::fstream& stream);
   virtual std::uint64_t WriteObject(std::fstream& stream) const;
+
+  // The record of the XML format. Writing returns 18, one more than its lines. Reading returns 4; on any line
+  // that is not as it should be it writes a line to standard output and returns 0, but throws what the
+  // dictionary's settings throw.
+  virtual std::uint64_t ReadObjectXML(std::ifstream& stream);
+  virtual std::uint64_t WriteObjectXML(std::ostream& stream) const;
 
   DictionarySettings& GetDictionarySettings() { return dictionarySettings_; }
   const DictionarySettings& GetDictionarySettings() const { return dictionarySettings_; }

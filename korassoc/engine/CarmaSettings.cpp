@@ -4,9 +4,12 @@
 
 #include "korassoc/base/BinaryRecord.h"
 #include "korassoc/engine/Exceptions.h"
+#include "korassoc/xml/XMLObj.h"
+#include "korassoc/xml/XMLReader.h"
 
 using korassoc::detail::BinaryReader;
 using korassoc::detail::BinaryWriter;
+using KorAssocXML::ParseValue;
 
 namespace {
 
@@ -44,6 +47,28 @@ std::uint64_t CarmaSettings::WriteObject(std::fstream& stream) const {
   const std::uint64_t ownBytes = record.finish();
   stream.flush();
   return ownBytes + baseBytes;
+}
+
+std::uint64_t CarmaSettings::ReadObjectXML(std::ifstream& stream) {
+  if (!KorAssocXML::ParseStartObj(stream, "CarmaSettings")) refuseRecord();
+  const std::uint64_t baseLines = AssociationAlgorithmSettings::ReadObjectXML(stream);
+  if (baseLines == 0 || !ParseValue(stream, maxNumSigmaChunks_) || !ParseValue(stream, reportFreqPhaseI_) ||
+      !ParseValue(stream, reportFreqPhaseII_) || !ParseValue(stream, removeSmallFreq_)) {
+    refuseRecord();
+  }
+  KorAssocXML::ParseEndObj(stream);
+  return baseLines + 6;
+}
+
+std::uint64_t CarmaSettings::WriteObjectXML(std::ostream& stream) const {
+  const KorAssocXML::XMLObj object("CarmaSettings", 1);
+  object.StartObj(stream);
+  const std::uint64_t baseLines = AssociationAlgorithmSettings::WriteObjectXML(stream);
+  for (const int value : {maxNumSigmaChunks_, reportFreqPhaseI_, reportFreqPhaseII_, removeSmallFreq_}) {
+    object.WriteSubElement(stream, value);
+  }
+  object.EndObj(stream);
+  return baseLines + 6;
 }
 
 void CarmaSettings::SetSupportSource(SupportSource* source) {

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <fstream>
+#include <iosfwd>
 #include <memory>
 
 #include "korassoc/base/Export.h"
@@ -24,6 +25,11 @@ class KORASSOC_EXPORT CarmaSettings : public AssociationAlgorithmSettings {
   // IOException, as a pointer, on a wrong tag or a record that is cut short, after a line to standard error.
   std::uint64_t ReadObject(std::fstream& stream) override;
   std::uint64_t WriteObject(std::fstream& stream) const override;
+
+  // The record of the XML format. Writing returns 24, one more than its lines. Reading returns 10, and throws
+  // and reports as ReadObject does; whether the closing line is there does not matter.
+  std::uint64_t ReadObjectXML(std::ifstream& stream) override;
+  std::uint64_t WriteObjectXML(std::ostream& stream) const override;
 
   // The source of the support threshold, null when none is installed. It stays the settings'.
   SupportSource* GetSupportSource() const { return supportSource_.get(); }

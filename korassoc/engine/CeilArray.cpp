@@ -6,10 +6,13 @@
 #include "korassoc/base/BinaryRecord.h"
 #include "korassoc/engine/Exceptions.h"
 #include "korassoc/itemsets/CountBound.h"
+#include "korassoc/xml/XMLObj.h"
+#include "korassoc/xml/XMLReader.h"
 
 using korassoc::detail::BinaryReader;
 using korassoc::detail::BinaryWriter;
 using korassoc::detail::saturatingSum;
+using KorAssocXML::ParseValue;
 
 namespace {
 
@@ -50,6 +53,12 @@ void CeilArray::add(double support) {
     open(support, 1);
   }
   average_ += (support - average_) / total_;
+}
+
+// A chunk as a record has it, which may break the order.
+void CeilArray::append(double ceiling, int count) {
+  if (!chunks_.empty() && !(ceiling <= chunks_.back().ceiling)) descending_ = false;
+  open(ceiling, count);
 }
 
 void CeilArray::open(double ceiling, int count) {
@@ -103,8 +112,43 @@ std::uint64_t CeilArray::readObject(std::fstream& stream) {
     int transactions = 0;
     double support = 0.0;
     if (!record.int32(transactions) || !record.float64(support) || transactions < 0) refuseRecord();
-    if (chunk > 0 && !(support <= ceiling(chunk - 1))) descending_ = false;
-    open(support, transactions);
+    append(support, transactions);
   }
   return record.count();
+}
+
+std::uint64_t CeilArray::writeObjectXML(std::ostream& stream) const {
+  const KorAssocXML::XMLObj object("CeilArray", 1);
+  object.StartObj(stream);
+  object.WriteSubElement(stream, average_);
+  object.WriteSubElement(stream, total_);
+  object.WriteSubElement(stream, used());
+  int chunk = 0;
+  for (; chunk < used() && stream.good(); ++chunk) {
+    object.WriteSubElement(stream, chunk);
+    object.WriteSubElement(stream, count(chunk));
+    object.WriteSubElement(stream, ceiling(chunk));
+  }
+  object.EndObj(stream);
+  return 5 + 3 * static_cast<std::uint64_t>(chunk);
+}
+
+std::uint64_t CeilArray::readObjectXML(std::ifstream& stream) {
+  *this = CeilArray(kPreparedChunks);
+  int chunks = 0;
+  if (!KorAssocXML::ParseStartObj(stream, "CeilArray") || !ParseValue(stream, average_) ||
+      !ParseValue(stream, total_) || !ParseValue(stream, chunks) || total_ < 0) {
+    refuseRecord();
+  }
+  for (int chunk = 0; chunk < chunks; ++chunk) {
+    int index = 0;
+    if (!ParseValue(stream, index)) refuseRecord();
+    if (index != chunk) throw new IOException();
+    int transactions = 0;
+    double support = 0.0;
+    if (!ParseValue(stream, transactions) || !ParseValue(stream, support) || transactions < 0) refuseRecord();
+    append(support, transactions);
+  }
+  if (!KorAssocXML::ParseEndObj(stream)) refuseRecord();
+  return 5 + 3 * static_cast<std::uint64_t>(used());
 }

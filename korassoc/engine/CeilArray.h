@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <fstream>
+#include <iosfwd>
 #include <vector>
 
 // The transactions so far, in chunks of neighbours, each chunk with one ceiling: the threshold of its
@@ -43,6 +44,12 @@ class CeilArray {
   // without a line when a chunk is out of order, else after that same line.
   std::uint64_t readObject(std::fstream& stream);
 
+  // The record of the XML format, the same values in the same order; the number of lines. Reading throws an
+  // IOException, as a pointer, on any line that is not as it should be: without a line of its own when a
+  // chunk is out of order, else after the line to standard error.
+  std::uint64_t writeObjectXML(std::ostream& stream) const;
+  std::uint64_t readObjectXML(std::ifstream& stream);
+
  private:
   struct Chunk {
     int count;
@@ -50,6 +57,7 @@ class CeilArray {
     double weightBefore;  // the sum of count * ceiling over the chunks before this one, in their order
   };
 
+  void append(double ceiling, int count);
   void open(double ceiling, int count);
   void raise(double ceiling);
 

@@ -10,9 +10,12 @@
 
 #include "korassoc/base/BinaryRecord.h"
 #include "korassoc/engine/Exceptions.h"
+#include "korassoc/xml/XMLObj.h"
+#include "korassoc/xml/XMLReader.h"
 
 using korassoc::detail::BinaryReader;
 using korassoc::detail::BinaryWriter;
+using KorAssocXML::ParseValue;
 
 namespace {
 
@@ -94,4 +97,38 @@ std::uint64_t DictionarySettings::ReadObject(std::fstream& stream) {
   spillFileNameChosen_ = isChosenByHost(name);
   spillFileName_ = std::move(name);
   return record.count();
+}
+
+std::uint64_t DictionarySettings::WriteObjectXML(std::ostream& stream, int nestingLevel) const {
+  const KorAssocXML::XMLObj object("DictionarySettings", nestingLevel);
+  object.StartObj(stream);
+  object.WriteSubElement(stream, static_cast<int>(spillFileName_.size() + 1));
+  object.WriteSubElement(stream, true);  // a name is stored; which one, the format does not say
+  for (const int value : {numberOfFixedSets_, initialSetSize_, initialBoundarySize_,
+                          initialBoundarySearchSize_, initialHashtableSet23Size_, initialRulesSize_,
+                          reportFrequency_, maxInStoreSets_, leaveInMainStoreCount_}) {
+    object.WriteSubElement(stream, value);
+  }
+  object.EndObj(stream);
+  return 13;
+}
+
+std::uint64_t DictionarySettings::ReadObjectXML(std::ifstream& stream) {
+  int nameLength = 0;
+  std::string name;
+  int numbers[9] = {};
+  bool complete = KorAssocXML::ParseStartObj(stream, "DictionarySettings") &&
+                  ParseValue(stream, nameLength) && nameLength > 0 &&
+                  korassoc::detail::parseTextOrFlag(stream, name);
+  for (int& number : numbers) complete = complete && ParseValue(stream, number);
+  if (!complete || !KorAssocXML::ParseEndObj(stream)) refuseRecord();
+
+  spillFileNameChosen_ = isChosenByHost(name);
+  spillFileName_ = std::move(name);
+  int* const fields[9] = {
+      &numberOfFixedSets_,         &initialSetSize_,   &initialBoundarySize_, &initialBoundarySearchSize_,
+      &initialHashtableSet23Size_, &initialRulesSize_, &reportFrequency_,     &maxInStoreSets_,
+      &leaveInMainStoreCount_};
+  for (int i = 0; i < 9; ++i) *fields[i] = numbers[i];
+  return 12;
 }

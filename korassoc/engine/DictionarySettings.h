@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <fstream>
+#include <iosfwd>
 #include <string>
 
 #include "korassoc/base/Export.h"
@@ -75,6 +76,13 @@ class KORASSOC_EXPORT DictionarySettings {
   // they were.
   std::uint64_t WriteObject(std::fstream& stream) const;
   std::uint64_t ReadObject(std::fstream& stream);
+
+  // The record of the XML format, an object indented by nestingLevel tabs. In the place of the spill file
+  // name it holds a flag alone, and the text of that flag becomes the name of the settings that read it: 1,
+  // which counts as a name that no host chose. Writing returns 13, its lines, reading 12. Reading throws and
+  // reports as ReadObject does, on any line that is not as it should be.
+  std::uint64_t WriteObjectXML(std::ostream& stream, int nestingLevel) const;
+  std::uint64_t ReadObjectXML(std::ifstream& stream);
 
  private:
   std::string spillFileName_;
