@@ -1,0 +1,28 @@
+// What stops a run of the tool: one line for the user and an exit code for scripts.
+
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace korassoc::cli {
+
+// Exit codes are part of the interface; scripts test them.
+enum class ExitCode : int {
+  kOk = 0,         // also when no rule was found
+  kRunFailed = 1,  // memory ran out, the results could not be written, the engine gave up
+  kUsage = 2,      // the command line does not make sense
+  kInput = 3       // the input cannot be read or understood
+};
+
+// The message is one line without a line end: what is wrong, where, and what to try.
+class CliError : public std::runtime_error {
+ public:
+  CliError(ExitCode code, const std::string& message) : std::runtime_error(message), code_(code) {}
+  ExitCode code() const { return code_; }
+
+ private:
+  ExitCode code_;
+};
+
+}  // namespace korassoc::cli

@@ -1,0 +1,108 @@
+#include "cli/Printable.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <iterator>
+
+namespace korassoc::cli {
+namespace {
+
+struct Range {
+  char32_t first;
+  char32_t last;
+};
+
+template <std::size_t N>
+bool within(const Range (&ranges)[N], char32_t c) {
+  return std::any_of(std::begin(ranges), std::end(ranges),
+                     [c](const Range& range) { return range.first <= c && c <= range.last; });
+}
+
+// Controls, separators that end a line, and characters that turn the direction of what follows.
+constexpr Range kEscaped[] = {
+    {0x00, 0x1F}, {0x7F, 0x9F}, {0x2028, 0x202E}, {0x2066, 0x2069}, {0xFEFF, 0xFEFF}};
+
+constexpr Range kZeroWidth[] = {{0x0300, 0x036F}, {0x0483, 0x0489}, {0x0591, 0x05BD}, {0x064B, 0x065F},
+                                {0x0E34, 0x0E3A}, {0x0E47, 0x0E4E}, {0x1AB0, 0x1AFF}, {0x1DC0, 0x1DFF},
+                                {0x200B, 0x200F}, {0x20D0, 0x20FF}, {0xFE00, 0xFE0F}, {0xFE20, 0xFE2F}};
+
+constexpr Range kWide[] = {{0x1100, 0x115F},   {0x2E80, 0x303E},   {0x3041, 0x33FF},  {0x3400, 0x4DBF},
+                           {0x4E00, 0x9FFF},   {0xA000, 0xA4CF},   {0xAC00, 0xD7A3},  {0xF900, 0xFAFF},
+                           {0xFE30, 0xFE6F},   {0xFF00, 0xFF60},   {0xFFE0, 0xFFE6},  {0x1F300, 0x1F64F},
+                           {0x1F900, 0x1F9FF}, {0x20000, 0x2FFFD}, {0x30000, 0x3FFFD}};
+
+bool isContinuation(char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U; }
+
+}  // namespace
+
+CodePoint firstCodePoint(std::string_view text) {
+  if (text.empty()) return {};
+  const auto byte = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  const char32_t lead = byte(0);
+  if (lead < 0x80) return {lead, 1};
+  std::size_t length = 0;
+  char32_t value = 0;
+  char32_t smallest = 0;
+  if ((lead & 0xE0U) == 0xC0U) {
+    length = 2, value = lead & 0x1FU, smallest = 0x80;
+  } else if ((lead & 0xF0U) == 0xE0U) {
+    length = 3, value = lead & 0x0FU, smallest = 0x800;
+  } else if ((lead & 0xF8U) == 0xF0U) {
+    length = 4, value = lead & 0x07U, smallest = 0x10000;
+  } else {
+    return {};
+  }
+  if (text.size() < length) return {};
+  for (std::size_t i = 1; i < length; ++i) {
+    if (!isContinuation(text[i])) return {};
+    value = (value << 6U) | (byte(i) & 0x3FU);
+  }
+  const bool surrogate = value >= 0xD800 && value <= 0xDFFF;
+  if (value < smallest || value > 0x10FFFF || surrogate) return {};
+  return {value, length};
+}
+
+std::string printable(std::string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  while (!text.empty()) {
+    const CodePoint c = firstCodePoint(text);
+    const std::size_t bytes = std::max<std::size_t>(c.bytes, 1);
+    if (c.bytes == 0) {
+      out += fmt::format("\\x{:02X}", static_cast<unsigned char>(text[0]));
+    } else if (!within(kEscaped, c.value)) {
+      out += text.substr(0, bytes);
+    } else if (c.value == '\t') {
+      out += "\\t";
+    } else if (c.value == '\n') {
+      out += "\\n";
+    } else if (c.value == '\r') {
+      out += "\\r";
+    } else if (c.value < 0x80) {
+      out += fmt::format("\\x{:02X}", static_cast<unsigned>(c.value));
+    } else {
+      out += fmt::format("\\u{{{:04X}}}", static_cast<unsigned>(c.value));
+    }
+    text.remove_prefix(bytes);
+  }
+  return out;
+}
+
+std::size_t displayWidth(std::string_view text) {
+  std::size_t width = 0;
+  while (!text.empty()) {
+    const CodePoint c = firstCodePoint(text);
+    if (c.value < 0x300) {
+      width += 1;
+    } else if (within(kWide, c.value)) {
+      width += 2;
+    } else if (!within(kZeroWidth, c.value)) {
+      width += 1;
+    }
+    text.remove_prefix(std::max<std::size_t>(c.bytes, 1));
+  }
+  return width;
+}
+
+}  // namespace korassoc::cli
