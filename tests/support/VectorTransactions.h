@@ -10,7 +10,7 @@
 #include "korassoc/engine/MultiPassTransIter.h"
 #include "korassoc/engine/Transaction.h"
 
-class VectorTransaction : public Transaction {
+class VectorTransaction final : public Transaction {
  public:
   explicit VectorTransaction(std::vector<int> items) : items_(std::move(items)) {}
 
