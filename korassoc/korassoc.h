@@ -9,7 +9,6 @@
 #include "korassoc/dictionary/SemiLattice.h"
 #include "korassoc/dictionary/SetCounter.h"
 #include "korassoc/dictionary/SetDictionary.h"
-#include "korassoc/dictionary/SpillFile.h"
 #include "korassoc/dictionary/SpillStore.h"
 #include "korassoc/engine/AssociationAlgorithmSettings.h"
 #include "korassoc/engine/CarmaAssociationAlgorithm.h"
