@@ -60,21 +60,21 @@ void HashTable::setBucketCount(int count) {
 
 bool HashTable::put(ItemSet* set, SetCounter* descriptor) {
   if (find(set) != nullptr) return false;
-  insert(set, descriptor);
+  putNew(set, descriptor);
   return true;
 }
 
 void HashTable::putReplace(ItemSet* set, SetCounter* descriptor) {
   Entry* entry = find(set);
   if (entry == nullptr) {
-    insert(set, descriptor);
+    putNew(set, descriptor);
     return;
   }
   if (entry->key != set) delete std::exchange(entry->key, set);
   if (entry->descriptor != descriptor) delete std::exchange(entry->descriptor, descriptor);
 }
 
-void HashTable::insert(ItemSet* set, SetCounter* descriptor) {
+void HashTable::putNew(ItemSet* set, SetCounter* descriptor) {
   if (buckets_.empty()) buckets_.resize(static_cast<std::size_t>(bucketCount_), nullptr);
   if (count_ >= threshold_) rehash();
   Entry* node = newNode();

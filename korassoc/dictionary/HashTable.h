@@ -45,6 +45,8 @@ class KORASSOC_EXPORT HashTable {
   // Adds set, of which the table takes ownership as of descriptor, and answers true; when an equal set is
   // stored, changes nothing (ownership included) and answers false.
   bool put(ItemSet* set, SetCounter* descriptor);
+  // put() for callers that know that no equal set is stored.
+  void putNew(ItemSet* set, SetCounter* descriptor);
   // As put(), but replaces key and descriptor of an equal stored set, deleting the former ones.
   void putReplace(ItemSet* set, SetCounter* descriptor);
   // The entry of the set equal to the given one, or null; valid until it is removed.
@@ -107,7 +109,6 @@ class KORASSOC_EXPORT HashTable {
                                     static_cast<std::uint32_t>(bucketCount_));
   }
   Entry** findLink(const ItemSetView& set);
-  void insert(ItemSet* set, SetCounter* descriptor);
   void rehash();
   void setBucketCount(int count);
   Entry* newNode();

@@ -20,6 +20,11 @@
 class DictionarySettings;
 class SpillStore;
 
+namespace korassoc::detail {
+struct CompleteItemsets;
+class SubsetIndex;
+}  // namespace korassoc::detail
+
 // SetDictionary keeps every candidate itemset with its descriptor, one hash table for each set size:
 //
 //   levels_[0]  the empty set, whose count is the number of transactions
@@ -121,6 +126,11 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   // Sets every count and max missed to 0. Returns the number of sets reset.
   int resetAllCounts();
 
+  // Holds exactly these sets from then on, as a built lattice: what was stored before is given up. The sets
+  // enter their tables in the order given. When memory runs out (std::bad_alloc) the dictionary stays as it
+  // was.
+  void adopt(const korassoc::detail::CompleteItemsets& itemsets);
+
   // --- Phase II ---
   // Makes ready for an exact count of all sets of at least fromLevel items: their counts and max missed
   // become 0, and exactly the items that occur in them are marked.
@@ -202,7 +212,8 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   void discard(HashTable::Entry* entry, HashTable& table);
 
   static void replaceDescriptor(HashTable::Entry& entry);
-  void linkSubsets(const ItemSet& set, int level);
+  void linkLevels();
+  static void linkSubsets(const ItemSet& set, const korassoc::detail::SubsetIndex& subsets, int level);
 
   std::vector<std::unique_ptr<HashTable>> levels_;  // made when first needed; null: never held a set
   HashTable noSets_{1};                             // what levelTable() answers for those

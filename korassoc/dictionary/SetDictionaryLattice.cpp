@@ -1,19 +1,25 @@
 // Turning the counted sets into a lattice, and keeping its links right.
 
+#include <algorithm>
 #include <iostream>
 #include <memory>
 #include <utility>
 #include <vector>
 
+#include "korassoc/dictionary/CompleteItemsets.h"
 #include "korassoc/dictionary/LatticeSetDescriptor.h"
 #include "korassoc/dictionary/SetDictionary.h"
 #include "korassoc/dictionary/SpillStore.h"
+#include "korassoc/dictionary/SubsetIndex.h"
 #include "korassoc/engine/DictionarySettings.h"
+#include "korassoc/itemsets/CountBound.h"
 
 namespace {
 
-void displayItems(const int* items, int n) {
-  for (int i = 0; i < n; ++i) std::cout << " " << items[i];
+constexpr int kAdjacentGrowth = 10;
+
+void displayItems(const ItemSet& set) {
+  for (int i = 0; i < set.length(); ++i) std::cout << " " << set.getItemAt(i);
   std::cout << " End of Set \n" << std::flush;
 }
 
@@ -38,10 +44,6 @@ void SetDictionary::buildLattice() {
       bottom->setMaxMissed(empty->descriptor->getMaxMissed());
     }
   }
-  levelTable(1).forEach([&](HashTable::Entry& entry) {
-    bottom->adjacent.Add(entry.key->getItemAt(0));
-    replaceDescriptor(entry);
-  });
   if (empty != nullptr) {
     delete std::exchange(empty->descriptor, bottom.release());
   } else {
@@ -51,39 +53,74 @@ void SetDictionary::buildLattice() {
     static_cast<void>(bottom.release());
     ++inStoreCount_;
   }
+  levelTable(1).forEach([](HashTable::Entry& entry) { replaceDescriptor(entry); });
   for (int level = 2; level <= getHighestLevel(); ++level) {
-    levelTable(level).forEach([&](HashTable::Entry& entry) {
-      replaceDescriptor(entry);
-      linkSubsets(*entry.key, level);
-    });
+    levelTable(level).forEach([](HashTable::Entry& entry) { replaceDescriptor(entry); });
   }
+  linkLevels();
   latticeBuilt_ = true;
 }
 
-// Enters the set into the links of each of its subsets that is one item smaller.
-void SetDictionary::linkSubsets(const ItemSet& set, int level) {
-  const int subsetLength = set.length() - 1;
-  const HashTable& subsets = levelTable(level - 1);
-  std::vector<int>& subset = selected_;
-  for (int left = 0; left <= subsetLength; ++left) {
-    subset.clear();
-    for (int i = 0; i <= subsetLength; ++i) {
-      if (i != left) subset.push_back(set.getItemAt(i));
-    }
-    const HashTable::Entry* entry = subsets.find(ItemSetView(subset.data(), subsetLength));
-    if (entry != nullptr && entry->descriptor != nullptr) {
-      static_cast<LatticeSetDescriptor*>(entry->descriptor)->adjacent.Add(set.getItemAt(left));
+// Enters every set of the consecutive levels into the links of its subsets that are one item smaller. All of
+// them have lattice descriptors without links.
+void SetDictionary::linkLevels() {
+  const int highest = getHighestLevel();
+  for (int level = 1; level <= highest; ++level) {
+    const korassoc::detail::SubsetIndex subsets(levelTable(level - 1));
+    levelTable(level).forEach(
+        [&](const HashTable::Entry& entry) { linkSubsets(*entry.key, subsets, level); });
+    // Appending everything and sorting it once is cheaper than keeping it sorted.
+    levelTable(level - 1).forEach([](const HashTable::Entry& entry) {
+      OrderedArray& adjacent = static_cast<LatticeSetDescriptor*>(entry.descriptor)->adjacent;
+      std::sort(adjacent.data, adjacent.data + adjacent.count);
+    });
+  }
+}
+
+void SetDictionary::linkSubsets(const ItemSet& set, const korassoc::detail::SubsetIndex& subsets, int level) {
+  const std::uint64_t hash = korassoc::detail::SubsetIndex::hashOf(set);
+  for (int left = 0; left < set.length(); ++left) {
+    const HashTable::Entry* entry = subsets.findWithout(set, hash, left);
+    if (entry != nullptr) {
+      static_cast<LatticeSetDescriptor*>(entry->descriptor)->adjacent.SimpleArray::Add(set.getItemAt(left));
       continue;
     }
-    if (entry == nullptr) {
-      std::cout << "Error during buildLattice! Not found subset: ";
-      displayItems(subset.data(), subsetLength);
-      std::cout << " of the set ";
-      displayItems(set.getTheArray(), set.length());
-    }
+    const std::unique_ptr<ItemSet> subset(set.omit(left));
+    std::cout << "Error during buildLattice! Not found subset: ";
+    displayItems(*subset);
+    std::cout << " of the set ";
+    displayItems(set);
     std::cout << "z=" << left << ", i=" << level << std::endl;
     std::cout << "Error building lattice level " << set.length() << std::endl;
   }
+}
+
+void SetDictionary::adopt(const korassoc::detail::CompleteItemsets& itemsets) {
+  // Made aside: when memory runs out, the dictionary stays as it was.
+  std::vector<std::unique_ptr<HashTable>> tables(itemsets.levels.size() + 1);
+  for (std::size_t level = 0; level < tables.size(); ++level) {
+    tables[level] = std::make_unique<HashTable>(initialBuckets(static_cast<int>(level)));
+  }
+  const auto store = [&tables](const int* items, std::size_t length, int count) {
+    auto set = std::make_unique<ItemSet>(items, static_cast<int>(length));
+    auto descriptor = std::make_unique<LatticeSetDescriptor>(count, 0, 0, 0, kAdjacentGrowth);
+    tables[length]->putNew(set.get(), descriptor.get());
+    static_cast<void>(set.release());
+    static_cast<void>(descriptor.release());
+  };
+  store(nullptr, 0, itemsets.transactionCount);
+  for (std::size_t level = 0; level < itemsets.levels.size(); ++level) {
+    const korassoc::detail::CompleteLevel& sets = itemsets.levels[level];
+    for (std::size_t i = 0; i < sets.counts.size(); ++i) store(sets.set(i).data(), level + 1, sets.counts[i]);
+  }
+  while (!smallQueue_.empty()) smallQueue_.pop();
+  levels_.swap(tables);
+  spillStore_.reset();
+  inStoreCount_ = korassoc::detail::saturatingSum(
+      korassoc::detail::saturatingInt(static_cast<double>(itemsets.size())), 1);
+  latticeBuilt_ = false;
+  linkLevels();
+  latticeBuilt_ = true;
 }
 
 void SetDictionary::pruneAdjacent(const ItemSet* set) {
