@@ -66,6 +66,11 @@ KorStatus CarmaAssociationAlgorithm::RunPhaseII() {
   return state_->RunPhaseII(*this);
 }
 
+KorStatus CarmaAssociationAlgorithm::RunPhaseIIcomplete(double minSupport) {
+  state_->EndPhaseI(*this);
+  return state_->RunPhaseIIcomplete(*this, minSupport);
+}
+
 KorStatus CarmaAssociationAlgorithm::RunPhaseIIrandom() {
   state_->EndPhaseI(*this);
   return state_->RunPhaseIIrandom(*this);

@@ -119,6 +119,15 @@ class KORASSOC_EXPORT CarmaAssociationAlgorithm {
   // Writes one line "sets of size k n" for each length k from 0 to LongestSet() to standard output.
   void DisplayDictInfo() const;
 
+  // Closes phase I if it is open, then finds every itemset of at most MaxLengthSet items in at least
+  // minSupport (a fraction) of the source's transactions, with its exact count, whatever phase I counted: the
+  // lattice holds these and nothing else. The count asked for is the smallest integer not below minSupport
+  // times the number of transactions, 1 at least; an integer up to rounding noise counts as that integer.
+  // Reads the source to its end, once or as often as the settings' index budget calls for. An item that a
+  // transaction repeats counts once. Codes 1, 2 and 40001 as for RunPhaseII. Code 3, error: there are more
+  // such sets than the settings allow in memory; the dictionary then holds what phase I left.
+  KorAssoc::KorStatus RunPhaseIIcomplete(double minSupport);
+
   // Product, version and copyright line.
   static std::string GetComponentVersion();
 

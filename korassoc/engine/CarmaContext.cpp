@@ -81,6 +81,10 @@ KorStatus CarmaContext::RunNullPhaseII(Engine& engine, double /*fraction*/) cons
 
 KorStatus CarmaContext::RunPhaseII(Engine& engine) const { return answer(engine, Operation::RunPhaseII); }
 
+KorStatus CarmaContext::RunPhaseIIcomplete(Engine& engine, double /*minSupport*/) const {
+  return answer(engine, Operation::RunPhaseIIcomplete);
+}
+
 KorStatus CarmaContext::RunPhaseIIrandom(Engine& engine) const {
   return answer(engine, Operation::RunPhaseIIrandom);
 }

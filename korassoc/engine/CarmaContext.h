@@ -62,6 +62,8 @@ class CarmaContext {
   virtual KorAssoc::KorStatus Ask(Engine& engine, korassoc::detail::Operation operation,
                                   const Query& query) const;
 
+  virtual KorAssoc::KorStatus RunPhaseIIcomplete(Engine& engine, double minSupport) const;
+
  protected:
   virtual korassoc::detail::State state() const { return korassoc::detail::State::Base; }
 

@@ -38,6 +38,9 @@ class CarmaCore {
   // hold the sets that it held when the pass was prepared.
   void stepPhaseII(const SetDictionary& dictionary, const Transaction& transaction);
 
+  // Notes the number of a transaction that a complete pass has read.
+  void noteTransactionII(int number) { nTransII_ = number; }
+
   // Transactions counted by phase I, and by the second pass that ran last.
   int transactions() const { return nTrans_; }
   int transactionsII() const { return nTransII_; }

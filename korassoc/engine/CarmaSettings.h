@@ -53,10 +53,16 @@ class KORASSOC_EXPORT CarmaSettings : public AssociationAlgorithmSettings {
   int GetRemoveSmallFreq() const { return removeSmallFreq_; }
   void SetRemoveSmallFreq(int transactions) { removeSmallFreq_ = transactions; }
 
+  // What the index of RunPhaseIIcomplete may take, in bytes; more data is counted in several passes. Not part
+  // of the saved record. Default 1 GiB.
+  std::uint64_t GetCompleteIndexBudget() const { return completeIndexBudget_; }
+  void SetCompleteIndexBudget(std::uint64_t bytes) { completeIndexBudget_ = bytes; }
+
  private:
   std::unique_ptr<SupportSource> supportSource_;
   int maxNumSigmaChunks_ = 1000;
   int reportFreqPhaseI_ = 10000;
   int reportFreqPhaseII_ = 10000;
   int removeSmallFreq_ = 500;
+  std::uint64_t completeIndexBudget_ = std::uint64_t{1} << 30;
 };

@@ -41,6 +41,7 @@ constexpr std::array<Row, kOperations> kAnswers{{
     {Operation::GetItems,             {{W(6),     base,    does,    base,    base,      base}}},
     {Operation::ExportLatticeXML,     {{W(6),     base,    does,    base,    W(1),      E(5)}}},
     {Operation::ExportRulesXML,       {{W(6),     base,    does,    base,    W(1),      E(5)}}},
+    {Operation::RunPhaseIIcomplete,   {{W(6),     base,    does,    base,    cancels,   E(5)}}},
 }};
 // clang-format on
 

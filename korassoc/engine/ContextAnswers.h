@@ -25,8 +25,9 @@ enum class Operation {
   GetItems,
   ExportLatticeXML,
   ExportRulesXML,
+  RunPhaseIIcomplete,
 };
-inline constexpr int kOperations = 19;
+inline constexpr int kOperations = 20;
 
 // The states, in the order of the table's columns. Base is the default behaviour; no engine is ever in it.
 enum class State { Base, PhaseI, PhaseII, Save, Cancelled, FailedRestart };

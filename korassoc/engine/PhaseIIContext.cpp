@@ -1,5 +1,6 @@
 #include "korassoc/engine/PhaseIIContext.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "korassoc/dictionary/SetDictionary.h"
@@ -8,6 +9,7 @@
 #include "korassoc/engine/CarmaSettings.h"
 #include "korassoc/engine/Caught.h"
 #include "korassoc/engine/CeilArray.h"
+#include "korassoc/engine/CompletePass.h"
 #include "korassoc/engine/MultiPassTransIter.h"
 #include "korassoc/engine/PhaseIIReporter.h"
 #include "korassoc/itemsets/CountBound.h"
@@ -78,6 +80,49 @@ KorStatus PhaseIIContext::countAgain(Engine& engine, const Variant& variant) con
   if (engine.cancelRequested_) return KorStatus();
   dictionary.removeSmallSets(engine.transactionsSeen_ * engine.ceilings_->average());
   dictionary.buildLattice();
+  report(engine);
+  return KorStatus();
+}
+
+KorStatus PhaseIIContext::RunPhaseIIcomplete(Engine& engine, double minSupport) const {
+  const Engine::Running running(engine);
+  KorStatus result;
+  if (!completes([&] { result = countCompletely(engine, minSupport); }))
+    result = KorStatus(kExceptionCode, false);
+  if (engine.cancelRequested_ && result.IsOK()) result = KorStatus(1, false);
+  return engine.setStatus(result);
+}
+
+KorStatus PhaseIIContext::countCompletely(Engine& engine, double minSupport) const {
+  using korassoc::detail::CompletePass;
+  if (engine.iterator_ == nullptr) throw std::logic_error("no transactions");
+  const CarmaSettings& settings = *engine.settings_;
+  const int frequency = settings.GetReportFreqPhaseII();
+  CarmaCore& core = *engine.core_;
+  core.noteTransactionII(0);
+  const CompletePass::Watch watch{[&engine] { return engine.cancelRequested_.load(); },
+                                  [&](int number) {
+                                    core.noteTransactionII(number);
+                                    if (frequency != 0 && number % frequency == 0) report(engine);
+                                  }};
+  const int maxSets = settings.GetDictionarySettings().GetMaxInStoreSets();
+  CompletePass pass(
+      *engine.iterator_,
+      {minSupport, settings.GetMaxLengthSet(), std::max(maxSets, 1) - 1, settings.GetCompleteIndexBudget()},
+      watch);
+  switch (pass.run()) {
+    case CompletePass::Outcome::kNotRestarted:
+      return KorStatus(2, false);
+    case CompletePass::Outcome::kTooManySets:
+      return KorStatus(3, false);
+    case CompletePass::Outcome::kCancelled:
+      engine.doCancel();
+      return engine.currentStatus_;
+    case CompletePass::Outcome::kDone:
+      break;
+  }
+  engine.dictionary_->adopt(pass.itemsets());
+  engine.transactionsSeen_ = pass.itemsets().transactionCount;
   report(engine);
   return KorStatus();
 }

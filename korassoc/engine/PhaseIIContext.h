@@ -11,6 +11,7 @@ class PhaseIIContext : public CarmaContext {
   KorAssoc::KorStatus RunNullPhaseII(Engine& engine, double fraction) const override;
   KorAssoc::KorStatus RunPhaseII(Engine& engine) const override;
   KorAssoc::KorStatus RunPhaseIIrandom(Engine& engine) const override;
+  KorAssoc::KorStatus RunPhaseIIcomplete(Engine& engine, double minSupport) const override;
   SemiLattice* GetLattice(Engine& engine) const override;
   KorAssoc::KorStatus Ask(Engine& engine, korassoc::detail::Operation operation,
                           const Query& query) const override;
@@ -24,5 +25,6 @@ class PhaseIIContext : public CarmaContext {
   KorAssoc::KorStatus run(Engine& engine, const Variant& variant) const;
   KorAssoc::KorStatus pass(Engine& engine, const Variant& variant) const;
   KorAssoc::KorStatus countAgain(Engine& engine, const Variant& variant) const;
+  KorAssoc::KorStatus countCompletely(Engine& engine, double minSupport) const;
   static void report(Engine& engine);
 };

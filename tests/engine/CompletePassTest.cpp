@@ -1,0 +1,324 @@
+// The complete pass against enumeration, hand-worked cases, its limits and its refusals.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <map>
+#include <memory>
+#include <random>
+#include <vector>
+
+#include "korassoc/dictionary/LatticeSetDescriptor.h"
+#include "korassoc/dictionary/SetDictionary.h"
+#include "korassoc/engine/CarmaAssociationAlgorithm.h"
+#include "korassoc/engine/CarmaSettings.h"
+#include "korassoc/engine/ProgressListener.h"
+#include "korassoc/engine/ProgressReport.h"
+#include "tests/oracle/BruteForce.h"
+#include "tests/support/EngineHost.h"
+#include "tests/support/EngineTestAccess.h"
+#include "tests/support/Hosts.h"
+#include "tests/support/VectorTransactions.h"
+
+namespace {
+
+using Access = CarmaAssociationAlgorithmTestAccess;
+using KorAssoc::KorStatus;
+using oracle::brute::Counts;
+using oracle::brute::Set;
+
+// An engine with its settings and its transactions.
+struct Mining {
+  explicit Mining(const Transactions& transactions, int maxLength = 10) : source(transactions) {
+    settings.SetMaxLengthSet(maxLength);
+    settings.SetSupportSource(new TestSupport(0.3));
+  }
+  CarmaAssociationAlgorithm& start() {
+    engine = std::make_unique<CarmaAssociationAlgorithm>(&settings, &source);
+    return *engine;
+  }
+
+  CarmaSettings settings;
+  VectorTransactions source;
+  std::unique_ptr<CarmaAssociationAlgorithm> engine;
+};
+
+Counts storedSets(const SetDictionary& dictionary) {
+  Counts counts;
+  for (int level = 0; level <= dictionary.storedLevels(); ++level) {
+    dictionary.levelTable(level).forEach([&](const HashTable::Entry& entry) {
+      const int* items = entry.key->getTheArray();
+      counts[Set(items, items + entry.key->length())] = entry.descriptor->count;
+    });
+  }
+  return counts;
+}
+
+// Every stored set's links lead to exactly its stored supersets of one item more.
+void expectLinksComplete(const SetDictionary& dictionary, const Counts& stored) {
+  std::map<Set, Set> expected;
+  for (const auto& [set, count] : stored) {
+    for (std::size_t i = 0; i < set.size(); ++i) {
+      Set subset = set;
+      subset.erase(subset.begin() + static_cast<std::ptrdiff_t>(i));
+      expected[subset].push_back(set[i]);
+    }
+  }
+  for (auto& [set, items] : expected) std::sort(items.begin(), items.end());
+  for (int level = 0; level <= dictionary.storedLevels(); ++level) {
+    dictionary.levelTable(level).forEach([&](const HashTable::Entry& entry) {
+      const auto* links = dynamic_cast<const LatticeSetDescriptor*>(entry.descriptor);
+      ASSERT_NE(links, nullptr);
+      const int* items = entry.key->getTheArray();
+      const Set set(items, items + entry.key->length());
+      EXPECT_EQ(Set(links->adjacent.data, links->adjacent.data + links->adjacent.count), expected[set]);
+    });
+  }
+}
+
+Counts frequentOf(const Transactions& transactions, int minCount, int maxLength) {
+  Counts counts = oracle::brute::atLeast(oracle::brute::countSubsets(transactions, maxLength), minCount);
+  counts[{}] = static_cast<int>(transactions.size());
+  return counts;
+}
+
+Transactions randomTransactions(std::mt19937& random) {
+  const int kinds = 1 + static_cast<int>(random() % 9);
+  std::vector<int> alphabet;
+  for (int i = 0; i < kinds; ++i) {
+    switch (random() % 4) {
+      case 0:
+        alphabet.push_back(static_cast<int>(random()));  // any 32 bits
+        break;
+      case 1:
+        alphabet.push_back(-i - 1);
+        break;
+      default:
+        alphabet.push_back(i);
+    }
+  }
+  Transactions transactions(random() % 40);
+  for (auto& transaction : transactions) {
+    const std::size_t length = random() % 8;  // empty ones and repeats included
+    for (std::size_t i = 0; i < length; ++i) {
+      transaction.push_back(alphabet[std::min(random() % alphabet.size(), random() % alphabet.size())]);
+    }
+  }
+  return transactions;
+}
+
+struct Ask {
+  double support;
+  int minCount;  // the smallest count that reaches it
+};
+
+// Supports whose bound is known without rounding: k of n up to noise, a rational number, and the ends.
+Ask randomAsk(std::mt19937& random, int n) {
+  const double infinity = std::numeric_limits<double>::infinity();
+  const int k = n > 0 ? 1 + static_cast<int>(random() % static_cast<unsigned>(n)) : 1;
+  const double exact = n > 0 ? static_cast<double>(k) / n : 0.5;
+  switch (random() % 7) {
+    case 0:
+      return {exact, k};
+    case 1:
+      return {std::nextafter(exact, infinity), k};
+    case 2:
+      return {std::nextafter(exact, 0.0), k};
+    case 3:
+      return {0.0, 1};
+    case 4:
+      return {1.0, std::max(n, 1)};
+    case 5:
+      return {1.25, std::max(n + (n + 3) / 4, 1)};
+    default: {
+      const int thousandths = static_cast<int>(random() % 1000);
+      return {thousandths / 1000.0, std::max((n * thousandths + 999) / 1000, 1)};
+    }
+  }
+}
+
+TEST(RunPhaseIIcomplete, FindsExactlyWhatEnumerationFinds) {
+  std::mt19937 random(20261121);
+  const std::uint64_t budgets[] = {std::uint64_t{1} << 30, 0, 200, 2000};
+  for (int round = 0; round < 1500; ++round) {
+    const Transactions transactions = randomTransactions(random);
+    const int n = static_cast<int>(transactions.size());
+    const int maxLength = 1 + static_cast<int>(random() % 6);
+    const Ask ask = randomAsk(random, n);
+    Mining run(transactions, maxLength);
+    run.settings.SetCompleteIndexBudget(budgets[random() % 4]);
+    CarmaAssociationAlgorithm& engine = run.start();
+    switch (random() % 3) {
+      case 0:
+        break;  // phase I saw nothing
+      case 1:
+        engine.RunPhaseI(1 + n / 2);
+        break;
+      default:
+        engine.RunPhaseI(n + 1);
+    }
+    const KorStatus status = engine.RunPhaseIIcomplete(ask.support);
+    ASSERT_TRUE(status.IsOK()) << "round " << round;
+    ASSERT_TRUE(engine.IsLatticeBuilt());
+    const SetDictionary& dictionary = *Access::dictionary(engine);
+    const Counts stored = storedSets(dictionary);
+    ASSERT_EQ(stored, frequentOf(transactions, ask.minCount, maxLength)) << "round " << round;
+    expectLinksComplete(dictionary, stored);
+    ASSERT_EQ(engine.NumberOfTransactions(), n);
+    ASSERT_EQ(Access::transactionsSeen(engine), n);
+    ASSERT_EQ(dictionary.inStoreCount(), static_cast<int>(stored.size()));
+  }
+}
+
+// Dense rows are counted by intersecting bit sets, sparse ones by sweeping: both kinds, and several machine
+// words.
+TEST(RunPhaseIIcomplete, FindsExactlyWhatEnumerationFindsInLargerData) {
+  std::mt19937 random(7);
+  for (const int kinds : {9, 60, 400}) {
+    for (const std::uint64_t budget : {std::uint64_t{1} << 30, std::uint64_t{20000}}) {
+      Transactions transactions(700);
+      for (auto& transaction : transactions) {
+        for (int i = 0; i < 8; ++i) {
+          transaction.push_back(static_cast<int>(std::min(random() % kinds, random() % kinds)));
+        }
+      }
+      Mining run(transactions);
+      run.settings.SetCompleteIndexBudget(budget);
+      CarmaAssociationAlgorithm& engine = run.start();
+      ASSERT_TRUE(engine.RunPhaseIIcomplete(5.0 / 700).IsOK());
+      EXPECT_EQ(storedSets(*Access::dictionary(engine)), frequentOf(transactions, 5, 10))
+          << kinds << " kinds of items";
+    }
+  }
+}
+
+TEST(RunPhaseIIcomplete, FindsTheSecondHalfThatPhaseINeverSaw) {
+  const Transactions transactions = {{1, 2}, {1, 2}, {1}, {8, 9}, {8, 9}, {9}};
+  Mining run(transactions);
+  CarmaAssociationAlgorithm& engine = run.start();
+  ASSERT_TRUE(engine.RunPhaseI(3).IsOK());
+  ASSERT_TRUE(engine.RunPhaseIIcomplete(0.3).IsOK());  // 1.8 of 6: 2
+  EXPECT_EQ(storedSets(*Access::dictionary(engine)),
+            (Counts{{{}, 6}, {{1}, 3}, {{2}, 2}, {{8}, 2}, {{9}, 3}, {{1, 2}, 2}, {{8, 9}, 2}}));
+}
+
+TEST(RunPhaseIIcomplete, ReadsOnceWhenTheIndexFitsAndInPartsWhenNot) {
+  const Transactions transactions = {{1, 2, 3}, {1, 2}, {2, 3}, {1, 3}};
+  Mining run(transactions);
+  CarmaAssociationAlgorithm& engine = run.start();
+  ASSERT_TRUE(engine.RunPhaseIIcomplete(0.25).IsOK());
+  EXPECT_EQ(run.source.restarts, 1);
+
+  Mining tight(transactions);
+  tight.settings.SetCompleteIndexBudget(1);
+  CarmaAssociationAlgorithm& other = tight.start();
+  ASSERT_TRUE(other.RunPhaseIIcomplete(0.25).IsOK());
+  EXPECT_EQ(tight.source.restarts, 5);  // the items, their costs, one part for each of three items
+  EXPECT_EQ(storedSets(*Access::dictionary(engine)), storedSets(*Access::dictionary(other)));
+}
+
+TEST(RunPhaseIIcomplete, AnswersThreeAndKeepsWhatPhaseILeftWhenThereAreTooManySets) {
+  const Transactions transactions = {{1, 2, 3}, {1, 2, 3}};  // 7 sets and the empty one
+  for (const int limit : {7, 8}) {
+    Mining run(transactions);
+    run.settings.GetDictionarySettings().SetMaxInStoreSets(limit);
+    CarmaAssociationAlgorithm& engine = run.start();
+    ASSERT_TRUE(engine.RunPhaseI(2).IsOK());
+    const Counts before = storedSets(*Access::dictionary(engine));
+    const KorStatus status = engine.RunPhaseIIcomplete(1.0);
+    if (limit == 8) {
+      EXPECT_TRUE(status.IsOK());
+      EXPECT_EQ(engine.NumberOfSets(), 8);
+    } else {
+      EXPECT_EQ(status, KorStatus(3, false));
+      EXPECT_EQ(storedSets(*Access::dictionary(engine)), before);
+      EXPECT_FALSE(engine.IsLatticeBuilt());
+      EXPECT_EQ(Access::transactionsSeen(engine), 2);
+    }
+  }
+}
+
+TEST(RunPhaseIIcomplete, CanRunAgainWithAnotherSupport) {
+  Mining run({{1, 2}, {1}});
+  CarmaAssociationAlgorithm& engine = run.start();
+  ASSERT_TRUE(engine.RunPhaseIIcomplete(1.0).IsOK());
+  EXPECT_EQ(storedSets(*Access::dictionary(engine)), (Counts{{{}, 2}, {{1}, 2}}));
+  ASSERT_TRUE(engine.RunPhaseIIcomplete(0.5).IsOK());
+  EXPECT_EQ(storedSets(*Access::dictionary(engine)), (Counts{{{}, 2}, {{1}, 2}, {{2}, 1}, {{1, 2}, 1}}));
+}
+
+TEST(RunPhaseIIcomplete, ReportsTransactionsAndTheEnd) {
+  class Listener : public ProgressListener {
+   public:
+    explicit Listener(std::vector<int>& seen) : seen_(seen) {}
+    void OnProgress(ProgressReport* report) override { seen_.push_back(report->GetIntValue("nTransII")); }
+
+   private:
+    std::vector<int>& seen_;
+  };
+  std::vector<int> seen;
+  Mining run({{1}, {1}, {1}, {1}, {1}});
+  run.settings.SetReportFreqPhaseII(2);
+  CarmaAssociationAlgorithm& engine = run.start();
+  engine.SetProgressListener(new Listener(seen));
+  ASSERT_TRUE(engine.RunPhaseI(5).IsOK());
+  seen.clear();
+  ASSERT_TRUE(engine.RunPhaseIIcomplete(0.5).IsOK());
+  EXPECT_THAT(seen, ::testing::ElementsAre(0, 2, 4, 5));  // the first is the end of phase I
+}
+
+TEST(RunPhaseIIcomplete, StopsForACancelFromAReport) {
+  class Canceller : public ProgressListener {
+   public:
+    void OnProgress(ProgressReport* report) override {
+      if (report->GetIntValue("nTransII") == 2) engine->Cancel();
+    }
+    CarmaAssociationAlgorithm* engine = nullptr;
+  };
+  Mining run({{1}, {1}, {1}, {1}});
+  run.settings.SetReportFreqPhaseII(1);
+  CarmaAssociationAlgorithm& engine = run.start();
+  auto* canceller = new Canceller;
+  canceller->engine = &engine;
+  engine.SetProgressListener(canceller);
+  ASSERT_TRUE(engine.RunPhaseI(4).IsOK());
+  EXPECT_EQ(engine.RunPhaseIIcomplete(0.5), KorStatus(1, false));
+  EXPECT_EQ(engine.GetLattice(), nullptr);
+  EXPECT_EQ(engine.RunPhaseIIcomplete(0.5), KorStatus(1, false));
+}
+
+TEST(RunPhaseIIcomplete, AnswersTwoWhenTheSourceDoesNotRestart) {
+  Mining run(repeated({1}, 2));
+  run.source.restartResult = 1;
+  CarmaAssociationAlgorithm& engine = run.start();
+  EXPECT_EQ(engine.RunPhaseIIcomplete(0.5), KorStatus(2, false));
+}
+
+TEST(RunPhaseIIcomplete, TurnsAnExceptionOfTheSourceIntoAStatus) {
+  Mining run(repeated({1}, 2));
+  run.source.throwInNextAt = 1;
+  CarmaAssociationAlgorithm& engine = run.start();
+  EXPECT_EQ(engine.RunPhaseIIcomplete(0.5), KorStatus(40001, false));
+
+  CarmaAssociationAlgorithm withoutSource(&run.settings, nullptr);
+  EXPECT_EQ(withoutSource.RunPhaseIIcomplete(0.5), KorStatus(40001, false));
+}
+
+TEST(RunPhaseIIcomplete, IsRefusedByAnUnusableEngine) {
+  VectorTransactions source;
+  CarmaAssociationAlgorithm engine(nullptr, &source);
+  EXPECT_EQ(engine.RunPhaseIIcomplete(0.5), KorStatus(5, false));
+}
+
+TEST(RunPhaseIIcomplete, AllowsNoSetsAtMaximumLengthZero) {
+  Mining run({{1}, {1}}, 0);
+  CarmaAssociationAlgorithm& engine = run.start();
+  ASSERT_TRUE(engine.RunPhaseIIcomplete(0.5).IsOK());
+  EXPECT_EQ(storedSets(*Access::dictionary(engine)), (Counts{{{}, 2}}));
+}
+
+}  // namespace
