@@ -133,18 +133,20 @@ int SetDictionary::addByGivingUp(std::unique_ptr<ItemSet> set, SetCounter* descr
 
 int SetDictionary::addBySpilling(std::unique_ptr<ItemSet> set, SetCounter* descriptor) {
   if (spillStore_ == nullptr) createSpillStore();
-  if (ItemSet* first = smallQueue_.pop()) {
-    const int answer = spillStore_->add(first, getDescriptor(first));
+  while (ItemSet* first = smallQueue_.pop()) {
+    HashTable& from = table(first->length());
+    const HashTable::Entry* entry = from.find(first);
+    // The copy of a duplicate stands for nothing in memory when the set itself has left; the next one may go.
+    if (entry == nullptr || entry->descriptor == nullptr) continue;
+    const int answer = spillStore_->add(first, entry->descriptor);
     if (answer < 0) return answer;
-    if (answer == 0) {
-      HashTable& from = table(first->length());
-      if (HashTable::Entry* entry = from.remove(first)) discard(entry, from);
-      ++setsSpilled_;
-      smallQueue_.push(set.get());
-      store(std::move(set), descriptor);
-      queueTopCount_ = 1;
-      return kStored;
-    }
+    if (answer > 0) break;
+    discard(from.remove(first), from);
+    ++setsSpilled_;
+    smallQueue_.push(set.get());
+    store(std::move(set), descriptor);
+    queueTopCount_ = 1;
+    return kStored;
   }
   const int answer = spillStore_->add(set.get(), descriptor);
   if (answer == 0) {

@@ -87,7 +87,8 @@ bool SpillStore::mayHold(const ItemSet* set) const {
 int SpillStore::add(ItemSet* set, SetCounter* descriptor) {
   if (file_ == nullptr) return withoutFile_;
   if (set->length() != level_) return kOtherLevel;
-  noteWritten(descriptor->count);
+  const int count = descriptor != nullptr ? descriptor->count : 0;
+  noteWritten(count);
   search(*set);
   if (lastFound_) {
     std::cout << "STRANGE ADD on disk";
@@ -97,7 +98,7 @@ int SpillStore::add(ItemSet* set, SetCounter* descriptor) {
     return 0;
   }
   if (lastResult_ >= kFirstSlot) {
-    if (writeSlot(static_cast<std::uint64_t>(lastResult_), *set, descriptor->count)) {
+    if (writeSlot(static_cast<std::uint64_t>(lastResult_), *set, count)) {
       presence_->set(startPosition(*set));
       ++setCount_;
       return 0;

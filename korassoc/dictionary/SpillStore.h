@@ -67,9 +67,9 @@ class KORASSOC_EXPORT SpillStore {
   SpillStore& operator=(const SpillStore&) = delete;
   ~SpillStore();  // closes and removes the file
 
-  // Writes a set with the count of its descriptor. 0 when it is on disk now, also when it was already (with
-  // the count that it had: that is reported, not expected); otherwise a Refusal, and nothing has changed on
-  // disk. May raise IOException.
+  // Writes a set with the count of its descriptor (0 for a null one). 0 when it is on disk now, also when it
+  // was already (with the count that it had: that is reported, not expected); otherwise a Refusal, and
+  // nothing has changed on disk. May raise IOException.
   int add(ItemSet* set, SetCounter* descriptor);
 
   // Whether the set is on disk. Searches that end in a full circle count as found. May raise IOException.

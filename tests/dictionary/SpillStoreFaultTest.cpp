@@ -16,7 +16,7 @@
 #include "korassoc/dictionary/SpillFile.h"
 #include "korassoc/dictionary/SpillStore.h"
 #include "korassoc/engine/DictionarySettings.h"
-#include "korassoc/engine/Exceptions.h"
+#include "tests/support/Raised.h"
 #include "tests/support/SpillFileReader.h"
 #include "tests/support/StreamCapture.h"
 #include "tests/support/TemporaryFile.h"
@@ -66,20 +66,6 @@ class FaultyFile : public SpillFile {
   std::unique_ptr<SpillFile> file_;
   Faults* faults_;
 };
-
-// Runs an operation and tells whether it raised IOException ("io") or DictionaryFailure ("dictionary").
-std::string raised(const std::function<void()>& operation) {
-  try {
-    operation();
-  } catch (const IOException* failure) {
-    delete failure;
-    return "io";
-  } catch (const DictionaryFailure* failure) {
-    delete failure;
-    return "dictionary";
-  }
-  return "";
-}
 
 class SpillStoreFaults : public ::testing::Test {
  protected:
@@ -186,7 +172,7 @@ TEST_F(SpillStoreFaults, ACountThatCannotBeWrittenStaysAndRaisesIOException) {
   add(3, 255);  // 256 differs in two bytes, so half of the new count would be a wrong one
   for (const bool torn : {false, true}) {
     failNextWrite(torn);
-    EXPECT_EQ(raised([this] { increment(3); }), "io");
+    EXPECT_EQ(raised([this] { increment(3); }), "IOException");
     EXPECT_THAT(slots(), ElementsAre(DiskSlot{21, 1, 21, {3}, 255}));
     EXPECT_EQ(store_->meanCount(), 255.0);
   }
@@ -198,10 +184,10 @@ TEST_F(SpillStoreFaults, ReduceThatCannotMarkASlotLeavesTheSetOnDiskAlone) {
   add(3, 1);
   add(4, 9);
   failWritesFromNow();
-  EXPECT_EQ(raised([this] { store_->reduce(1, 2.0); }), "io");
+  EXPECT_EQ(raised([this] { store_->reduce(1, 2.0); }), "IOException");
   EXPECT_EQ(store_->size(), 2);
   faults_.firstFailure = faults_.writes + 2;
-  EXPECT_EQ(raised([this] { store_->reduce(1, 2.0); }), "io");
+  EXPECT_EQ(raised([this] { store_->reduce(1, 2.0); }), "IOException");
   EXPECT_EQ(store_->size(), 1);
   EXPECT_EQ(dictionary_.inStoreCount(), 0);
   EXPECT_EQ(dictionary_.getCount(4), 0) << "not in both places";
@@ -282,7 +268,7 @@ TEST_F(SpillStoreFaults, AFileTruncatedUnderTheStoreRaisesIOExceptionWhereItEnds
     const std::string seek3 = "Failure to Seek  3 End of Set \n";
     {
       const StreamCapture out(std::cout);
-      EXPECT_EQ(raised([this] { add(3, 5); }), "io");
+      EXPECT_EQ(raised([this] { add(3, 5); }), "IOException");
       EXPECT_EQ(store_->lastResult(), 5);
       EXPECT_EQ(out.text(), seek3);
     }
@@ -293,11 +279,11 @@ TEST_F(SpillStoreFaults, AFileTruncatedUnderTheStoreRaisesIOExceptionWhereItEnds
     }
     {
       const StreamCapture out(std::cout);
-      EXPECT_EQ(raised([this] { increment(3); }), "io");
-      EXPECT_EQ(raised([this] { contains(3); }), "io");
+      EXPECT_EQ(raised([this] { increment(3); }), "IOException");
+      EXPECT_EQ(raised([this] { contains(3); }), "IOException");
       EXPECT_EQ(out.text(), seek3 + seek3);
     }
-    EXPECT_EQ(raised([this] { store_->reduce(1, 1.0); }), "io");
+    EXPECT_EQ(raised([this] { store_->reduce(1, 1.0); }), "IOException");
     EXPECT_EQ(store_->size(), 2);
     EXPECT_FALSE(contains(4)) << "its presence bit is clear: no look at the file";
     EXPECT_EQ(std::filesystem::file_size(file_.name()), size);
@@ -312,7 +298,7 @@ TEST_F(SpillStoreFaults, WhatStandsBeforeTheCutIsStillThere) {
   increment(3);
   EXPECT_EQ(found(3), 6);
   const StreamCapture quiet(std::cout);
-  EXPECT_EQ(raised([this] { store_->reduce(1, 1.0); }), "io");
+  EXPECT_EQ(raised([this] { store_->reduce(1, 1.0); }), "IOException");
   EXPECT_EQ(dictionary_.getCount(3), 6);
   EXPECT_EQ(store_->size(), 1);
 }
@@ -321,7 +307,7 @@ TEST_F(SpillStoreFaults, SetsThatSomebodyErasedFromTheFileAreMissed) {
   add(3, 5);
   add(1000, 6);
   pokeFile(file_.name(), 8 + 13U * 21U, std::string(13, '\0'));
-  EXPECT_EQ(raised([this] { store_->reduce(1, 1.0); }), "io");
+  EXPECT_EQ(raised([this] { store_->reduce(1, 1.0); }), "IOException");
   EXPECT_EQ(dictionary_.getCount(1000), 6);
   EXPECT_EQ(store_->size(), 1);
 }
@@ -338,7 +324,7 @@ TEST_F(SpillStoreFaults, ACorruptStateByteRaisesIOException) {
         {"reduce", [this] { store_->reduce(1, 1.0); }}};
     for (const auto& [name, operation] : operations) {
       const StreamCapture out(std::cout);
-      EXPECT_EQ(raised(operation), "io") << name;
+      EXPECT_EQ(raised(operation), "IOException") << name;
       EXPECT_EQ(out.text(), message) << name;
       EXPECT_EQ(store_->lastResult(), 5) << name;
     }

@@ -15,7 +15,7 @@
 #include "korassoc/dictionary/SetDictionary.h"
 #include "korassoc/dictionary/SpillFile.h"
 #include "korassoc/engine/DictionarySettings.h"
-#include "korassoc/engine/Exceptions.h"
+#include "tests/support/Raised.h"
 #include "tests/support/SpillFileReader.h"
 #include "tests/support/StreamCapture.h"
 #include "tests/support/TemporaryFile.h"
@@ -203,8 +203,7 @@ TEST_F(SpillStoreTest, TakesRemovedCountsOutOfTheMeanWithTheNewNumberOfSets) {
   add(1, 1);
   add(2, 1);
   add(3, 10);  // mean 4, three sets
-  const StreamCapture quiet(std::cout);
-  EXPECT_THROW(store_->reduce(1, 2.0), DictionaryFailure*);
+  EXPECT_EQ(raised([this] { store_->reduce(1, 2.0); }), "DictionaryFailure");
   // {1}: (2 * 4 - 1) / 2 = 3.5; {2}: (1 * 3.5 - 1) / 1 = 2.5; {3} stays for want of memory.
   EXPECT_EQ(store_->writtenCount(), 1);
   EXPECT_EQ(store_->meanCount(), 2.5);
@@ -324,13 +323,7 @@ TEST_F(SpillStoreTest, ReduceStopsWhenTheMemoryIsFullAndGoesOnLater) {
   add(1, 5);
   add(2, 1);
   add(3, 7);
-  const StreamCapture quiet(std::cout);
-  EXPECT_THROW(
-      try { store_->reduce(1, 2.0); } catch (DictionaryFailure* failure) {
-        delete failure;
-        throw;
-      },
-      DictionaryFailure*);
+  EXPECT_EQ(raised([this] { store_->reduce(1, 2.0); }), "DictionaryFailure");
   EXPECT_THAT(slots(), ElementsAre(DiskSlot{7, 2, 7, {1}, 5}, DiskSlot{14, 2, 14, {2}, 1},
                                    DiskSlot{21, 1, 21, {3}, 7}));
   EXPECT_EQ(store_->size(), 1);
@@ -346,12 +339,7 @@ TEST_F(SpillStoreTest, PassesOverDeletedSlotsAndNeverUsesThemAgain) {
   dictionary_.setMaxInStoreSets(0);
   add(3, 1);
   add(3 + kSlots, 6);
-  EXPECT_THROW(
-      try { store_->reduce(1, 2.0); } catch (DictionaryFailure* failure) {
-        delete failure;
-        throw;
-      },
-      DictionaryFailure*);
+  EXPECT_EQ(raised([this] { store_->reduce(1, 2.0); }), "DictionaryFailure");
   EXPECT_EQ(found(3), -1);
   EXPECT_EQ(found(3 + kSlots), 6);
   EXPECT_FALSE(contains(3));
