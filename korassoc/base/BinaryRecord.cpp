@@ -16,6 +16,9 @@ static_assert(sizeof(double) == kFloat64Bytes, "stored doubles are 64 bits wide"
 // A length below this is tried without asking for the end of the stream, and memory grows by steps of it.
 constexpr std::size_t kTrustedBytes = 65536;
 
+// The largest piece that is fetched ahead. More would only take the caches from those who use the values.
+constexpr std::size_t kFetchBytes = 32768;
+
 // The compiler makes one move of each of these where the machine is little-endian.
 void store32(char* to, std::uint32_t bits) {
   for (int i = 0; i < 4; ++i) to[i] = static_cast<char>(static_cast<unsigned char>(bits >> (8 * i)));
@@ -94,15 +97,34 @@ std::uint64_t BinaryWriter::finish() {
   return count_;
 }
 
-bool BinaryReader::raw(char* to, std::size_t size) {
+// What raw() does when not everything is there: takes what is, and the rest from the stream.
+bool BinaryReader::fetch(char* to, std::size_t size) {
+  const std::size_t waiting = end_ - next_;
+  if (waiting > 0) std::memcpy(to, fetched_.data() + next_, waiting);
+  count_ += waiting;
+  next_ = end_ = 0;
+  to += waiting;
+  size -= waiting;
   if (!in_.good()) {
     in_.setstate(std::ios_base::failbit);
     return false;
   }
-  const auto wanted = static_cast<std::streamsize>(size);
-  const std::streamsize got = in_.rdbuf()->sgetn(to, wanted);
-  count_ += static_cast<std::uint64_t>(std::max<std::streamsize>(got, 0));
-  if (got == wanted) return true;
+  const bool ahead = expected_ > size && size < kFetchBytes;
+  const std::size_t wanted =
+      ahead ? static_cast<std::size_t>(std::min<std::uint64_t>(expected_, kFetchBytes)) : size;
+  if (ahead && fetched_.size() < wanted) fetched_.resize(wanted);
+  char* const place = ahead ? fetched_.data() : to;
+  const std::streamsize answer = in_.rdbuf()->sgetn(place, static_cast<std::streamsize>(wanted));
+  const auto got = static_cast<std::size_t>(std::max<std::streamsize>(answer, 0));
+  expected_ -= std::min<std::uint64_t>(expected_, got);
+  const std::size_t taken = std::min(got, size);
+  count_ += taken;
+  if (ahead) {
+    std::memcpy(to, place, taken);
+    next_ = taken;
+    end_ = got;
+  }
+  if (taken == size) return true;
   in_.setstate(std::ios_base::failbit | std::ios_base::eofbit);
   return false;
 }
@@ -191,6 +213,9 @@ bool BinaryReader::text(std::string& value) {
 }
 
 bool BinaryReader::holds(std::uint64_t bytes) {
+  const std::size_t waiting = end_ - next_;
+  if (bytes <= waiting) return true;
+  bytes -= waiting;
   if (!in_.good()) return false;
   if (bytes <= kTrustedBytes) return true;
   std::streambuf& buffer = *in_.rdbuf();

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <initializer_list>
 #include <istream>
 #include <ostream>
@@ -67,11 +68,14 @@ class BinaryWriter {
   std::array<char, 256> buffer_;  // its first used_ bytes wait for the stream
 };
 
-// Reads one record, and counts its bytes. It never reads ahead, so the next reader finds the stream where
-// this record ended:
+// Reads one record, and counts its bytes. It never reads beyond what it is asked for, so the next reader
+// finds the stream where this record ended:
 //
 //   BinaryReader record(stream);
 //   if (!record.tag("CSD") || !record.int32s({&count, &tid, &maxMissed})) ...refuse...
+//
+// A record of many small parts may be fetched in larger pieces: who knows that at least so many bytes are
+// still to come, whatever the parts turn out to be, says so with expect().
 //
 // Every read answers false when the stream has failed or ends too early; the stream then has its fail bit
 // (and its end bit), the targets that were not filled keep their values, and all further reads are false too.
@@ -103,14 +107,32 @@ class BinaryReader {
   // tell where it ends answers true.
   bool holds(std::uint64_t bytes);
 
+  // Allows to fetch up to so many bytes from here on before they are asked for. To be said only of bytes that
+  // belong to this record for certain, should it be a good one.
+  void expect(std::uint64_t bytes) {
+    const std::size_t fetched = end_ - next_;
+    expected_ = bytes > fetched ? bytes - fetched : 0;
+  }
+
   // Bytes read through this reader.
   std::uint64_t count() const { return count_; }
 
  private:
-  bool raw(char* to, std::size_t size);
+  bool raw(char* to, std::size_t size) {
+    if (end_ - next_ < size) return fetch(to, size);
+    std::memcpy(to, fetched_.data() + next_, size);
+    next_ += size;
+    count_ += size;
+    return true;
+  }
+  bool fetch(char* to, std::size_t size);
 
   std::istream& in_;
   std::uint64_t count_ = 0;
+  std::uint64_t expected_ = 0;  // bytes that may be fetched beyond those that are there
+  std::vector<char> fetched_;   // those at next_ to end_ wait to be asked for
+  std::size_t next_ = 0;
+  std::size_t end_ = 0;
 };
 
 }  // namespace korassoc::detail

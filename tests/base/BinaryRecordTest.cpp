@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <functional>
 #include <limits>
 #include <sstream>
@@ -255,6 +256,59 @@ TEST(BinaryReader, RefusesATextWithoutItsZeroAndEndsItAtTheFirst) {
   EXPECT_TRUE(record.text(text));
   EXPECT_EQ(text, "ab");
   EXPECT_EQ(record.count(), 9U);
+}
+
+TEST(BinaryReader, FetchesAheadNoMoreThanItWasToldToExpect) {
+  std::string bytes;
+  for (int i = 0; i < 40000; ++i) bytes += std::to_string(i % 10);
+  for (const std::uint64_t told : {0U, 1U, 3U, 4U, 5U, 100U, 39996U, 40000U}) {
+    std::istringstream stream(bytes);
+    BinaryReader record(stream);
+    std::uint64_t taken = 0;
+    while (taken + 4 <= std::max<std::uint64_t>(told, 4)) {
+      if (told > taken) record.expect(told - taken);
+      std::string found;
+      ASSERT_TRUE(record.tag(bytes.substr(taken, 4), &found)) << found;
+      taken += 4;
+      EXPECT_EQ(record.count(), taken);
+      EXPECT_LE(static_cast<std::uint64_t>(stream.tellg()), std::max(told, taken));
+    }
+    // Whatever it was told, all of it can be read, and nothing behind it was touched.
+    std::vector<char> rest(told > taken ? told - taken : 0);
+    for (char& c : rest) ASSERT_TRUE(record.character(c));
+    EXPECT_EQ(static_cast<std::uint64_t>(stream.tellg()), std::max(told, taken)) << told;
+  }
+}
+
+TEST(BinaryReader, TakesWhatItFetchedAheadBeforeItFails) {
+  std::istringstream stream("abcdefg");
+  BinaryReader record(stream);
+  record.expect(100);  // a record that is cut short
+  EXPECT_TRUE(record.tag("ab"));
+  EXPECT_TRUE(record.tag("cd"));
+  EXPECT_TRUE(record.holds(3));
+  EXPECT_TRUE(stream.good());
+  std::string found;
+  EXPECT_FALSE(record.tag("efgh", &found));
+  EXPECT_EQ(found, "efg");
+  EXPECT_EQ(record.count(), 7U);
+  EXPECT_TRUE(stream.fail());
+  EXPECT_FALSE(record.tag("e"));
+}
+
+TEST(BinaryReader, CountsWhatItFetchedAheadAmongWhatIsLeft) {
+  const TemporaryFile file(std::string(200000, 'x'));
+  std::fstream stream = file.reader();
+  BinaryReader record(stream);
+  record.expect(150000);
+  char c = 0;
+  ASSERT_TRUE(record.character(c));
+  EXPECT_TRUE(record.holds(199999));
+  EXPECT_FALSE(record.holds(200000));
+  std::vector<std::int32_t> values;
+  EXPECT_TRUE(record.int32s(values, 49999));
+  EXPECT_TRUE(record.tag("xxx"));
+  EXPECT_FALSE(record.character(c));
 }
 
 TEST(BinaryReader, KnowsWhatAFileStillHolds) {
