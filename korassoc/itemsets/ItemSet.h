@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <iosfwd>
 #include <memory>
 
@@ -98,6 +99,18 @@ class KORASSOC_EXPORT ItemSet {
 
   // Writes to standard output the hash code, the set and the two sets that it links to.
   void displayAll() const;
+
+  // The record in a binary state: "IS:" with a zero byte, the length, the items. Both return the bytes
+  // written or read. A stream that fails is given no further items. Reading writes a line to standard output
+  // and returns 0, changing nothing, when there is another tag or fewer items than the length says; a
+  // negative length leaves the items as they are. The links become null.
+  std::uint64_t writeObject(std::fstream& stream) const;
+  std::uint64_t readObject(std::fstream& stream);
+
+  // The record in an XML state: an object "ItemSet" with the length and the items, indented by so many tabs.
+  // Both return the lines: the length plus 3. Reading refuses as readObject() does.
+  std::uint64_t writeObjectXML(std::ostream& out, int tabs) const;
+  std::uint64_t readObjectXML(std::ifstream& in);
 
  private:
   void itemSetHash();  // brings the hash code up to date

@@ -159,6 +159,17 @@ bool parseText(std::ifstream& in, std::initializer_list<std::string_view> elemen
   return true;
 }
 
+// The place of the object's name among the names, or -1.
+int startedObject(std::ifstream& in, std::initializer_list<std::string_view> names) {
+  Line line;
+  if (!line.read(in)) return -1;
+  if (line.empty() && !line.read(in)) return -1;
+  if (line.token(kElement) != "Obj" || line.token(kElement) != "name") return -1;
+  const std::string_view found = line.token(kQuote);
+  const auto* place = std::find(names.begin(), names.end(), found);
+  return found.empty() || place == names.end() ? -1 : static_cast<int>(place - names.begin());
+}
+
 // Takes one line of the document head.
 bool readHeadLine(std::ifstream& in, std::string_view firstToken) {
   Line line;
@@ -175,11 +186,7 @@ bool ParseStartXML(std::ifstream& in) {
 }
 
 bool ParseStartObj(std::ifstream& in, const std::string& name) {
-  Line line;
-  if (!line.read(in)) return false;
-  if (line.empty() && !line.read(in)) return false;
-  return line.token(kElement) == "Obj" && line.token(kElement) == "name" && !name.empty() &&
-         line.token(kQuote) == name;
+  return korassoc::detail::parseStartObj(in, {name}) == 0;
 }
 
 bool ParseValue(std::ifstream& in, int& value) {
@@ -234,6 +241,10 @@ bool ParseEndObj(std::ifstream& in) {
 }  // namespace KorAssocXML
 
 namespace korassoc::detail {
+
+int parseStartObj(std::ifstream& in, std::initializer_list<std::string_view> names) {
+  return KorAssocXML::startedObject(in, names);
+}
 
 bool parseTextOrFlag(std::ifstream& in, std::string& value) {
   return KorAssocXML::parseText(in, {"String", "Int"}, value);

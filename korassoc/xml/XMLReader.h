@@ -2,8 +2,11 @@
 
 #pragma once
 
+#include <cstdint>
 #include <fstream>
+#include <initializer_list>
 #include <string>
+#include <string_view>
 
 #include "korassoc/base/Export.h"
 
@@ -53,6 +56,13 @@ KORASSOC_EXPORT bool ParseEndObj(std::ifstream& in);
 }  // namespace KorAssocXML
 
 namespace korassoc::detail {
+
+// Lines of an object besides its values and inner objects: its start and its end.
+inline constexpr std::uint64_t kFrameLines = 2;
+
+// As ParseStartObj, for an object that may have one of several names: the place of its name among them, or
+// -1.
+int parseStartObj(std::ifstream& in, std::initializer_list<std::string_view> names);
 
 // As ParseValue(in, std::string&), from an Int line too: its value's text, whatever it is. For the line of
 // the settings' record that is written as a flag and read as a text.
