@@ -1,7 +1,16 @@
 #include "korassoc/dictionary/LatticeSetDescriptor.h"
 
+#include <fstream>
 #include <iostream>
 #include <limits>
+
+#include "korassoc/base/BinaryRecord.h"
+#include "korassoc/dictionary/DescriptorRecord.h"
+#include "korassoc/xml/XMLObj.h"
+#include "korassoc/xml/XMLReader.h"
+
+using korassoc::detail::BinaryReader;
+using korassoc::detail::BinaryWriter;
 
 namespace {
 
@@ -43,6 +52,44 @@ void LatticeSetDescriptor::setMaxMissed(int occurrences) { maxMissed = occurrenc
 
 void LatticeSetDescriptor::decrementMaxMissed() {
   if (maxMissed > std::numeric_limits<int>::min()) --maxMissed;
+}
+
+std::uint64_t LatticeSetDescriptor::writeObject(std::fstream& stream) const {
+  BinaryWriter record(stream);
+  korassoc::detail::writeRecord(record, *this);
+  return record.finish();
+}
+
+std::uint64_t LatticeSetDescriptor::readObject(std::fstream& stream) {
+  BinaryReader record(stream);
+  if (!record.tag("LSD") || !korassoc::detail::readFields(record, *this)) {
+    korassoc::detail::refuseRecord(korassoc::detail::kLatticeDescriptorRefused);
+  }
+  return record.count();
+}
+
+std::uint64_t LatticeSetDescriptor::writeObjectXML(std::ostream& out, int tabs) const {
+  const KorAssocXML::XMLObj object("LatticeSetDescriptor", tabs);
+  object.StartObj(out);
+  object.WriteSubElement(out, count);
+  object.WriteSubElement(out, TID);
+  object.WriteSubElement(out, maxMissed);
+  object.WriteSubElement(out, adjacent.count);
+  for (int i = 0; i < adjacent.count && out.good(); ++i) object.WriteSubElement(out, adjacent.data[i]);
+  object.EndObj(out);
+  return korassoc::detail::linesOf(*this);
+}
+
+std::uint64_t LatticeSetDescriptor::readObjectXML(std::ifstream& in) {
+  if (!KorAssocXML::ParseStartObj(in, "LatticeSetDescriptor")) {
+    std::cout << korassoc::detail::kLatticeDescriptorRefused;
+    return 0;
+  }
+  if (!korassoc::detail::readFieldsXML(in, *this)) {
+    std::cout << korassoc::detail::kSetCounterRefused;
+    return 0;
+  }
+  return korassoc::detail::linesOf(*this);
 }
 
 int LatticeSetDescriptor::getCreationTID() const { return TID; }

@@ -2,6 +2,9 @@
 
 #pragma once
 
+#include <cstdint>
+#include <iosfwd>
+
 #include "korassoc/base/Export.h"
 #include "korassoc/dictionary/SetCounter.h"
 #include "korassoc/itemsets/OrderedArray.h"
@@ -24,6 +27,10 @@ class KORASSOC_EXPORT LatticeSetDescriptor : public SetCounter {
   int getMaxMissed() const override;
   void setMaxMissed(int occurrences) override;
   void decrementMaxMissed() override;
+  std::uint64_t writeObject(std::fstream& stream) const override;
+  std::uint64_t readObject(std::fstream& stream) override;
+  std::uint64_t writeObjectXML(std::ostream& out, int tabs) const override;
+  std::uint64_t readObjectXML(std::ifstream& in) override;
   // The transaction at which the set was stored.
   virtual int getCreationTID() const;
 

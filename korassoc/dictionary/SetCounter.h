@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <cstdint>
 #include <iosfwd>
 
 #include "korassoc/base/Export.h"
@@ -29,6 +30,17 @@ class KORASSOC_EXPORT SetCounter {
   virtual int getMaxMissed() const;
   virtual void setMaxMissed(int occurrences);
   virtual void decrementMaxMissed();
+
+  // The record in a binary state: a tag ("SC", "CSD", "LSD"), count, TID and the further fields. Both return
+  // the bytes written or read. Another tag or a record cut short: a line on standard output, an IOException
+  // thrown as a pointer, and the object as it was.
+  virtual std::uint64_t writeObject(std::fstream& stream) const;
+  virtual std::uint64_t readObject(std::fstream& stream);
+  // The record in an XML state: an object of the class's name with one value a field, indented by so many
+  // tabs. Both return its lines, its start and its end included. Another object or a missing field: a line on
+  // standard output, 0, and the object as it was.
+  virtual std::uint64_t writeObjectXML(std::ostream& out, int tabs) const;
+  virtual std::uint64_t readObjectXML(std::ifstream& in);
 
   // Counts one more transaction; a count at the top of its range stays there.
   void increment() {
