@@ -182,6 +182,11 @@ const Row kRows[] = {
     query("GetItems", Operation::GetItems, {"W6", "W6", "OK", "W6", "W6", "W6"}),
     query("ExportLatticeXML", Operation::ExportLatticeXML, {"W6", "W6", "OK", "W6", "W1", "E5"}),
     query("ExportRulesXML", Operation::ExportRulesXML, {"W6", "W6", "OK", "W6", "W1", "E5"}),
+    {"RunPhaseIIcomplete",
+     [](Subject& subject, const CarmaContext& state) {
+       return described(subject, state.RunPhaseIIcomplete(*subject.engine, 0.5));
+     },
+     {"W6", "W6", "OK", "W6", "E1", "E5"}},
 };
 
 }  // namespace
