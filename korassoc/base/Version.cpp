@@ -8,4 +8,10 @@ std::string componentVersion() {
   return std::string("Talvane AssociationRule -- CARMA Version 1.1 ") + copyrightNotice();
 }
 
+const char* applicationName(bool carma) {
+  return carma ? "Talvane Association Carma C++" : "Talvane Association Apriori C++";
+}
+
+const char* applicationVersion() { return "1.1"; }
+
 }  // namespace korassoc::detail
