@@ -61,6 +61,7 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   int getHighestLevel() const override;
   int getLevelSize(int level) const override;
   int getSizeAboveLevel(int level) const override;
+  KorAssoc::KorStatus exportLatticeXML(std::ostream& out, double minSupport) override;
   void setRestartFailed() override;
   ~SetDictionary() override;
 

@@ -90,6 +90,13 @@ KorStatus CarmaAssociationAlgorithm::RunNullPhaseII(double fraction) {
 
 SemiLattice* CarmaAssociationAlgorithm::GetLattice() { return state_->GetLattice(*this); }
 
+KorStatus CarmaAssociationAlgorithm::ExportLatticeXML(std::ostream& out) {
+  const double averageSupport = AverageSupport();
+  return ask(Operation::ExportLatticeXML, [&](SetDictionary& dictionary) {
+    return dictionary.exportLatticeXML(out, averageSupport);
+  });
+}
+
 KorStatus CarmaAssociationAlgorithm::GetStatus() const { return currentStatus_; }
 
 double CarmaAssociationAlgorithm::AverageSupport() const { return state_->AverageSupport(*this); }
@@ -132,6 +139,11 @@ CarmaAssociationAlgorithm::Running::~Running() {
 KorStatus CarmaAssociationAlgorithm::setStatus(const KorStatus& status) {
   currentStatus_ = status;
   return currentStatus_;
+}
+
+KorStatus CarmaAssociationAlgorithm::ask(Operation operation,
+                                         const std::function<KorStatus(SetDictionary&)>& query) {
+  return state_->Ask(*this, operation, query);
 }
 
 void CarmaAssociationAlgorithm::doCancel() {

@@ -100,6 +100,10 @@ class KORASSOC_EXPORT CarmaAssociationAlgorithm {
   // The lattice, owned by the engine; null outside phase II.
   SemiLattice* GetLattice();
 
+  // Writes every stored set as a document, with the average support as a remark in it. The stream's state is
+  // the caller's to look at.
+  KorAssoc::KorStatus ExportLatticeXML(std::ostream& out);
+
   // The engine's status: the result of the last operation that set it.
   KorAssoc::KorStatus GetStatus() const;
 
