@@ -27,6 +27,8 @@
 #include "korassoc/itemsets/KorPower.h"
 #include "korassoc/itemsets/OrderedArray.h"
 #include "korassoc/itemsets/SimpleArray.h"
+#include "korassoc/rules/AssociationRule.h"
+#include "korassoc/rules/ConsequentDescriptor.h"
 #include "korassoc/xml/ExportFormat.h"
 #include "korassoc/xml/NumberFormat.h"
 #include "korassoc/xml/XMLAttribute.h"

@@ -10,10 +10,51 @@
 #include "korassoc/engine/KorStatus.h"
 #include "korassoc/itemsets/ItemSet.h"
 
+class AssociationRule;
+class ConsequentDescriptor;
+class ProgressListener;
+
 // The stored itemsets with their counts, ordered by inclusion. The order of the virtual operations is part of
 // the binary interface: new ones are added at the end of the derived class.
 class KORASSOC_EXPORT SemiLattice {
  public:
+  // Appends to out the rules X -> Z \ X of every stored set Z of at least minSupport (a fraction, rounded
+  // leniently to a count) whose confidence is at least minConfidence; pruneRedundant leaves out rules with
+  // more in the antecedent or less in the consequent than need be. Sorts out by confidence. listener may be
+  // null. 40002, warning: the lattice is empty. 1, error: stopped by setRestartFailed().
+  virtual KorAssoc::KorStatus createRules(double minSupport, double minConfidence,
+                                          std::vector<AssociationRule>& out, ProgressListener* listener,
+                                          bool pruneRedundant) = 0;
+  // Appends to out the rules within all bounds (inclusive), sorts it by confidence, support or lift ('C',
+  // 'S', 'L') and cuts it to maxRules (negative: not). Null sets require nothing and allow everything.
+  // Statuses as above.
+  virtual KorAssoc::KorStatus createFilteredRules(
+      double minConfidence, double maxConfidence, double minSupport, double maxSupport, double minLift,
+      char sortBy, ItemSet* antecedentRequired, ItemSet* antecedentAllowed, int minAntecedentLength,
+      int maxAntecedentLength, ItemSet* consequentRequired, ItemSet* consequentAllowed,
+      int minConsequentLength, int maxConsequentLength, int maxRules, bool minimalAntecedentsOnly,
+      std::vector<AssociationRule>& out, ProgressListener* listener) = 0;
+  // Appends to out the consequents of one item of such rules, each item with the figures of its first rule.
+  virtual KorAssoc::KorStatus createFilteredConsequents(double minConfidence, double maxConfidence,
+                                                        double minSupport, double maxSupport, double minLift,
+                                                        char sortBy, ItemSet* antecedentRequired,
+                                                        ItemSet* antecedentAllowed, int minAntecedentLength,
+                                                        int maxAntecedentLength, ItemSet* consequentAllowed,
+                                                        int maxItems, std::vector<ConsequentDescriptor>& out,
+                                                        ProgressListener* listener) = 0;
+  // Appends to out the items that follow from stored subsets of the antecedent, sorts it by confidence and
+  // cuts it to maxItems (negative: not). A null antecedent: every stored item with its support.
+  virtual KorAssoc::KorStatus createConsequents(ItemSet* antecedent, int maxItems,
+                                                std::vector<ConsequentDescriptor>& out) = 0;
+  // The support (fraction) of the k-th most frequent among base and its stored supersets; -1.0 when there is
+  // none.
+  virtual double findSupport(const ItemSet& base, int k) = 0;
+  // Inserts every stored proper superset of base.
+  virtual KorAssoc::KorStatus superSets(const ItemSet& base, std::set<ItemSet>& out) = 0;
+  // Inserts every stored superset of base, itself included, within the bounds: transactions, numbers of
+  // items.
+  virtual KorAssoc::KorStatus findItemSets(const ItemSet& base, int minCount, int minLength, int maxLength,
+                                           std::set<ItemSet>& out) = 0;
   // The number of stored itemsets, the empty one included; those on disk count too.
   virtual int getTotalSetCount() const = 0;
   // How many levels from level 1 on hold sets, up to the first that is empty.
@@ -25,6 +66,10 @@ class KORASSOC_EXPORT SemiLattice {
   // Writes every stored set with its figures as a lattice document. minSupport is a remark in it and selects
   // nothing. The stream's state is the caller's to look at.
   virtual KorAssoc::KorStatus exportLatticeXML(std::ostream& out, double minSupport) = 0;
+  // A new lattice of the sets of at least minFraction of the transactions (a fraction, rounded leniently to a
+  // count) that hold none of leaveOut. The caller owns the result.
+  virtual SemiLattice* filteredCopy(double minFraction) = 0;
+  virtual SemiLattice* filteredCopy(double minFraction, const ItemSet& leaveOut) = 0;
   // Asks a rule creation that is running to stop; every later one stops as well.
   virtual void setRestartFailed() = 0;
   virtual ~SemiLattice();

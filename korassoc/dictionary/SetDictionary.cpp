@@ -4,6 +4,7 @@
 #include <iostream>
 #include <utility>
 
+#include "korassoc/dictionary/LatticeGraph.h"
 #include "korassoc/dictionary/SpillStore.h"
 #include "korassoc/engine/DictionarySettings.h"
 #include "korassoc/engine/Exceptions.h"
@@ -180,6 +181,11 @@ int SetDictionary::getCount(const ItemSet* set) {
 }
 
 int SetDictionary::getEmptySetCount() { return getCount(&emptySet_); }
+
+const korassoc::detail::LatticeGraph& SetDictionary::graph() const {
+  if (graph_ == nullptr) graph_ = std::make_unique<korassoc::detail::LatticeGraph>(*this);
+  return *graph_;
+}
 
 // --- Counting ---
 

@@ -5,6 +5,7 @@
 #include <bitset>
 #include <cstdint>
 #include <memory>
+#include <set>
 #include <vector>
 
 #include "korassoc/base/Export.h"
@@ -22,6 +23,7 @@ class SpillStore;
 
 namespace korassoc::detail {
 struct CompleteItemsets;
+class LatticeGraph;
 class SubsetIndex;
 }  // namespace korassoc::detail
 
@@ -57,11 +59,36 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   SetDictionary& operator=(const SetDictionary&) = delete;
 
   // --- Virtual operations, in the order of the interface ---
+  KorAssoc::KorStatus createRules(double minSupport, double minConfidence, std::vector<AssociationRule>& out,
+                                  ProgressListener* listener, bool pruneRedundant) override;
+  KorAssoc::KorStatus createFilteredRules(double minConfidence, double maxConfidence, double minSupport,
+                                          double maxSupport, double minLift, char sortBy,
+                                          ItemSet* antecedentRequired, ItemSet* antecedentAllowed,
+                                          int minAntecedentLength, int maxAntecedentLength,
+                                          ItemSet* consequentRequired, ItemSet* consequentAllowed,
+                                          int minConsequentLength, int maxConsequentLength, int maxRules,
+                                          bool minimalAntecedentsOnly, std::vector<AssociationRule>& out,
+                                          ProgressListener* listener) override;
+  KorAssoc::KorStatus createFilteredConsequents(double minConfidence, double maxConfidence, double minSupport,
+                                                double maxSupport, double minLift, char sortBy,
+                                                ItemSet* antecedentRequired, ItemSet* antecedentAllowed,
+                                                int minAntecedentLength, int maxAntecedentLength,
+                                                ItemSet* consequentAllowed, int maxItems,
+                                                std::vector<ConsequentDescriptor>& out,
+                                                ProgressListener* listener) override;
+  KorAssoc::KorStatus createConsequents(ItemSet* antecedent, int maxItems,
+                                        std::vector<ConsequentDescriptor>& out) override;
+  double findSupport(const ItemSet& base, int k) override;
+  KorAssoc::KorStatus superSets(const ItemSet& base, std::set<ItemSet>& out) override;
+  KorAssoc::KorStatus findItemSets(const ItemSet& base, int minCount, int minLength, int maxLength,
+                                   std::set<ItemSet>& out) override;
   int getTotalSetCount() const override;
   int getHighestLevel() const override;
   int getLevelSize(int level) const override;
   int getSizeAboveLevel(int level) const override;
   KorAssoc::KorStatus exportLatticeXML(std::ostream& out, double minSupport) override;
+  SemiLattice* filteredCopy(double minFraction) override;
+  SemiLattice* filteredCopy(double minFraction, const ItemSet& leaveOut) override;
   void setRestartFailed() override;
   ~SetDictionary() override;
 
@@ -106,6 +133,19 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   virtual SetCounter* incrementSet(const int* items, int n);
   virtual SetCounter* incrementSet(int item);
   virtual SetCounter* incrementSet(const OrderedArray& set);
+
+  // Insert the stored sets within the bounds (inclusive; transactions, numbers of items): the supersets of
+  // base that add only allowed items; the supersets of base; the sets that hold at least one of the items.
+  // What out holds already is not extended.
+  virtual KorAssoc::KorStatus findItemSets3(const ItemSet& base, const ItemSet& allowed, int minCount,
+                                            int maxCount, int minLength, int maxLength,
+                                            std::set<ItemSet>& out);
+  virtual KorAssoc::KorStatus findItemSets2(const ItemSet& base, int minCount, int maxCount, int minLength,
+                                            int maxLength, std::set<ItemSet>& out);
+  virtual KorAssoc::KorStatus findItemSetsWithin(const ItemSet& items, int minCount, int maxCount,
+                                                 int minLength, int maxLength, std::set<ItemSet>& out);
+  // Inserts the stored sets of at least minCount transactions none of whose stored supersets has as many.
+  virtual KorAssoc::KorStatus findMaximalItemSets(int minCount, std::set<ItemSet>& out);
 
   // --- Pruning ---
   // Removes, level by level up to the first empty one, the sets counted in fewer than minCount transactions
@@ -168,6 +208,11 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   // Between the two calls evicted sets stay usable, with their last values.
   void holdEvicted() { holdsEvicted_ = true; }
   void releaseEvicted();
+
+  // --- Queries ---
+  // The stored sets with their links both ways, made at the first call after a change of sets or links; valid
+  // until the next one.
+  const korassoc::detail::LatticeGraph& graph() const;
 
   // --- Reading ---
   // Most items of a stored set.
@@ -245,4 +290,5 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   std::vector<std::unique_ptr<ItemSet>>
       refusedCopies_;  // duplicates that stand in the small queue all the same
   KorAssoc::KorStatus status_;
+  mutable std::unique_ptr<korassoc::detail::LatticeGraph> graph_;  // null: none made since the last change
 };

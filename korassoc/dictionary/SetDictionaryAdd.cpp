@@ -3,6 +3,7 @@
 #include <iostream>
 #include <utility>
 
+#include "korassoc/dictionary/LatticeGraph.h"
 #include "korassoc/dictionary/SetDictionary.h"
 #include "korassoc/dictionary/SpillStore.h"
 #include "korassoc/engine/DictionarySettings.h"
@@ -16,6 +17,7 @@ constexpr int kMemoryFull = 3;
 }  // namespace
 
 bool SetDictionary::addEmptySet(SetCounter* descriptor) {
+  graph_.reset();
   auto set = std::make_unique<ItemSet>();
   const bool added = table(0).put(set.get(), descriptor);
   if (added) static_cast<void>(set.release());
@@ -108,6 +110,7 @@ int SetDictionary::addOwned(std::unique_ptr<ItemSet> set, SetCounter* descriptor
 // Puts a set into the table of its level. A set that is stored already is refused without a word: its copy
 // has to live on as long as it may stand in the queue.
 void SetDictionary::store(std::unique_ptr<ItemSet> set, SetCounter* descriptor) {
+  graph_.reset();
   if (table(set->length()).put(set.get(), descriptor)) {
     static_cast<void>(set.release());
     return;

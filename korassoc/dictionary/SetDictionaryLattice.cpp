@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "korassoc/dictionary/CompleteItemsets.h"
+#include "korassoc/dictionary/LatticeGraph.h"
 #include "korassoc/dictionary/LatticeSetDescriptor.h"
 #include "korassoc/dictionary/SetDictionary.h"
 #include "korassoc/dictionary/SpillStore.h"
@@ -34,6 +35,7 @@ void SetDictionary::replaceDescriptor(HashTable::Entry& entry) {
 }
 
 void SetDictionary::buildLattice() {
+  graph_.reset();
   const int items = getLevelSize(1);
   HashTable::Entry* empty = table(0).find(&emptySet_);
   auto bottom = std::make_unique<LatticeSetDescriptor>(SetCounter::kMaxCount, 0, 0, items, items);
@@ -78,11 +80,13 @@ void SetDictionary::linkLevels() {
 }
 
 void SetDictionary::linkSubsets(const ItemSet& set, const korassoc::detail::SubsetIndex& subsets, int level) {
-  const std::uint64_t hash = korassoc::detail::SubsetIndex::hashOf(set);
+  using korassoc::detail::SubsetIndex;
+  const std::uint64_t hash = SubsetIndex::hashOf(set.getTheArray(), set.length());
   for (int left = 0; left < set.length(); ++left) {
-    const HashTable::Entry* entry = subsets.findWithout(set, hash, left);
-    if (entry != nullptr) {
-      static_cast<LatticeSetDescriptor*>(entry->descriptor)->adjacent.SimpleArray::Add(set.getItemAt(left));
+    const int number = subsets.findWithout(set, hash, left);
+    if (number != SubsetIndex::kNone) {
+      auto* descriptor = static_cast<LatticeSetDescriptor*>(subsets.entry(number)->descriptor);
+      descriptor->adjacent.SimpleArray::Add(set.getItemAt(left));
       continue;
     }
     const std::unique_ptr<ItemSet> subset(set.omit(left));
@@ -114,6 +118,7 @@ void SetDictionary::adopt(const korassoc::detail::CompleteItemsets& itemsets) {
     for (std::size_t i = 0; i < sets.counts.size(); ++i) store(sets.set(i).data(), level + 1, sets.counts[i]);
   }
   while (!smallQueue_.empty()) smallQueue_.pop();
+  graph_.reset();
   levels_.swap(tables);
   spillStore_.reset();
   inStoreCount_ = korassoc::detail::saturatingSum(
@@ -124,6 +129,7 @@ void SetDictionary::adopt(const korassoc::detail::CompleteItemsets& itemsets) {
 }
 
 void SetDictionary::pruneAdjacent(const ItemSet* set) {
+  graph_.reset();
   auto* descriptor = dynamic_cast<LatticeSetDescriptor*>(getDescriptor(set));
   if (descriptor == nullptr) {
     set->display();

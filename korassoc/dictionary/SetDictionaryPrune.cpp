@@ -2,6 +2,7 @@
 
 #include <iostream>
 
+#include "korassoc/dictionary/LatticeGraph.h"
 #include "korassoc/dictionary/SetDictionary.h"
 #include "korassoc/dictionary/SpillStore.h"
 #include "korassoc/engine/DictionarySettings.h"
@@ -17,6 +18,7 @@ int SetDictionary::removeSmallSets(double minCount) {
 }
 
 int SetDictionary::removeSmall(int level, double minCount) {
+  graph_.reset();
   if (!bitsetOff_ && level >= 2) clearLevelBits(level - 1);
   const int bound = korassoc::detail::pruneCountBound(minCount);
   int removed = 0;

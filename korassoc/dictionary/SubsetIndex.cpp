@@ -26,30 +26,44 @@ bool equalsWithout(const ItemSet& subset, const ItemSet& set, int omitted) {
 }  // namespace
 
 SubsetIndex::SubsetIndex(const HashTable& table)
-    : slots_(std::bit_ceil(2 * static_cast<std::size_t>(table.count()) + 1), Slot{0, nullptr}) {
+    : slots_(std::bit_ceil(2 * static_cast<std::size_t>(table.count()) + 1), Slot{0, kNone}) {
+  entries_.reserve(static_cast<std::size_t>(table.count()));
   const std::size_t mask = slots_.size() - 1;
   table.forEach([&](HashTable::Entry& entry) {
-    const std::uint64_t hash = hashOf(*entry.key);
+    const std::uint64_t hash = hashOf(entry.key->getTheArray(), entry.key->length());
     std::size_t place = hash & mask;
-    while (slots_[place].entry != nullptr) place = (place + 1) & mask;
-    slots_[place] = {hash, &entry};
+    while (slots_[place].number != kNone) place = (place + 1) & mask;
+    slots_[place] = {static_cast<std::uint32_t>(hash >> 32), size()};
+    entries_.push_back(&entry);
   });
 }
 
-std::uint64_t SubsetIndex::hashOf(const ItemSet& set) {
+std::uint64_t SubsetIndex::hashOf(const int* items, int length) {
   std::uint64_t hash = 0;
-  for (int i = 0; i < set.length(); ++i) hash += mixed(set.getItemAt(i));
+  for (int i = 0; i < length; ++i) hash += mixed(items[i]);
   return hash;
 }
 
-HashTable::Entry* SubsetIndex::findWithout(const ItemSet& set, std::uint64_t hash, int omitted) const {
-  const std::uint64_t sought = hash - mixed(set.getItemAt(omitted));
+template <typename Equals>
+int SubsetIndex::probe(std::uint64_t hash, Equals&& equals) const {
   const std::size_t mask = slots_.size() - 1;
-  for (std::size_t place = sought & mask; slots_[place].entry != nullptr; place = (place + 1) & mask) {
+  const auto tag = static_cast<std::uint32_t>(hash >> 32);
+  for (std::size_t place = hash & mask; slots_[place].number != kNone; place = (place + 1) & mask) {
     const Slot& slot = slots_[place];
-    if (slot.hash == sought && equalsWithout(*slot.entry->key, set, omitted)) return slot.entry;
+    if (slot.hash == tag && equals(*entry(slot.number)->key)) return slot.number;
   }
-  return nullptr;
+  return kNone;
+}
+
+int SubsetIndex::findWithout(const ItemSet& set, std::uint64_t hash, int omitted) const {
+  return probe(hash - mixed(set.getItemAt(omitted)),
+               [&](const ItemSet& stored) { return equalsWithout(stored, set, omitted); });
+}
+
+int SubsetIndex::find(const int* items, int length) const {
+  return probe(hashOf(items, length), [&](const ItemSet& stored) {
+    return stored.length() == length && std::equal(items, items + length, stored.getTheArray());
+  });
 }
 
 }  // namespace korassoc::detail

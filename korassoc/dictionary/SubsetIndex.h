@@ -1,36 +1,49 @@
-// Finds the subsets, one item smaller, of many itemsets.
+// Finds itemsets, and the subsets of itemsets, among the sets of one table.
 
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
 #include "korassoc/dictionary/HashTable.h"
+#include "korassoc/itemsets/ItemSetView.h"
 
 namespace korassoc::detail {
 
-// SubsetIndex holds the entries of one table under a hash code that spreads well, whatever the items are, and
-// that a set's subsets get from the set's own in one step: the sum of its items' mixed codes.
+// SubsetIndex holds the entries of one table, numbered 0, 1, 2, ... in table order, under a hash code that
+// spreads well, whatever the items are, and that a set's subsets get from the set's own in one step: the sum
+// of its items' mixed codes.
 //
-//   slots_   [ hash, entry | -- | hash, entry | ... ]    open addressing, linear; at most half full
+//   slots_   [ hash, number | -- | hash, number | ... ]    open addressing, linear; at most half full
 //
-// The table must not change while the index is used. Memory: 32 to 64 bytes a set.
+// The table must not change while the index is used. Memory: 24 to 40 bytes a set.
 class SubsetIndex {
  public:
+  static constexpr int kNone = -1;
+
   explicit SubsetIndex(const HashTable& table);
 
+  HashTable::Entry* entry(int number) const { return entries_[static_cast<std::size_t>(number)]; }
+  int size() const { return static_cast<int>(entries_.size()); }
+
   // The hash code of a set, from which those of its subsets follow.
-  static std::uint64_t hashOf(const ItemSet& set);
-  // The entry of set without the item at position omitted, or null. hash: hashOf(set).
-  HashTable::Entry* findWithout(const ItemSet& set, std::uint64_t hash, int omitted) const;
+  static std::uint64_t hashOf(const int* items, int length);
+  // The number of the entry that holds set without the item at position omitted, or kNone. hash: that of set.
+  int findWithout(const ItemSet& set, std::uint64_t hash, int omitted) const;
+  // The number of the entry that holds the set, or kNone.
+  int find(const int* items, int length) const;
 
  private:
   struct Slot {
-    std::uint64_t hash;
-    HashTable::Entry* entry;  // null: empty
+    std::uint32_t hash;
+    int number;  // kNone: empty
   };
+  template <typename Equals>
+  int probe(std::uint64_t hash, Equals&& equals) const;
 
-  std::vector<Slot> slots_;  // a power of two
+  std::vector<HashTable::Entry*> entries_;  // by number
+  std::vector<Slot> slots_;                 // a power of two
 };
 
 }  // namespace korassoc::detail

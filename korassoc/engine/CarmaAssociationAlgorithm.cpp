@@ -88,6 +88,48 @@ KorStatus CarmaAssociationAlgorithm::RunNullPhaseII(double fraction) {
   return currentStatus_;
 }
 
+KorStatus CarmaAssociationAlgorithm::CreateNgetRules(double minSupport, double minConfidence,
+                                                     std::vector<AssociationRule>& rules) {
+  return ask(Operation::CreateNgetRules, [&](SetDictionary& dictionary) {
+    return dictionary.createRules(minSupport, minConfidence, rules, settings_->GetProgressListener(), true);
+  });
+}
+
+KorStatus CarmaAssociationAlgorithm::GetRulesSpecial(
+    double minConfidence, double maxConfidence, double minSupport, double maxSupport, double minLift,
+    char sortBy, ItemSet* antecedentRequired, ItemSet* antecedentAllowed, int minAntecedentLength,
+    int maxAntecedentLength, ItemSet* consequentRequired, ItemSet* consequentAllowed, int minConsequentLength,
+    int maxConsequentLength, int maxRules, bool minimalAntecedentsOnly, std::vector<AssociationRule>& rules) {
+  return ask(Operation::GetRulesSpecial, [&](SetDictionary& dictionary) {
+    return dictionary.createFilteredRules(minConfidence, maxConfidence, minSupport, maxSupport, minLift,
+                                          sortBy, antecedentRequired, antecedentAllowed, minAntecedentLength,
+                                          maxAntecedentLength, consequentRequired, consequentAllowed,
+                                          minConsequentLength, maxConsequentLength, maxRules,
+                                          minimalAntecedentsOnly, rules, settings_->GetProgressListener());
+  });
+}
+
+KorStatus CarmaAssociationAlgorithm::GetItemsSpecial(double minConfidence, double maxConfidence,
+                                                     double minSupport, double maxSupport, double minLift,
+                                                     char sortBy, ItemSet* antecedentRequired,
+                                                     ItemSet* antecedentAllowed, int minAntecedentLength,
+                                                     int maxAntecedentLength, ItemSet* consequentAllowed,
+                                                     int maxItems, std::vector<ConsequentDescriptor>& items) {
+  return ask(Operation::GetItemsSpecial, [&](SetDictionary& dictionary) {
+    return dictionary.createFilteredConsequents(minConfidence, maxConfidence, minSupport, maxSupport, minLift,
+                                                sortBy, antecedentRequired, antecedentAllowed,
+                                                minAntecedentLength, maxAntecedentLength, consequentAllowed,
+                                                maxItems, items, settings_->GetProgressListener());
+  });
+}
+
+KorStatus CarmaAssociationAlgorithm::GetItems(ItemSet* antecedent, int maxItems,
+                                              std::vector<ConsequentDescriptor>& items) {
+  return ask(Operation::GetItems, [&](SetDictionary& dictionary) {
+    return dictionary.createConsequents(antecedent, maxItems, items);
+  });
+}
+
 SemiLattice* CarmaAssociationAlgorithm::GetLattice() { return state_->GetLattice(*this); }
 
 KorStatus CarmaAssociationAlgorithm::ExportLatticeXML(std::ostream& out) {

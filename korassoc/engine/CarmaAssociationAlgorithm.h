@@ -97,6 +97,33 @@ class KORASSOC_EXPORT CarmaAssociationAlgorithm {
   // given fraction, to allow for what was missed. Refused once phase II has begun.
   KorAssoc::KorStatus RunNullPhaseII(double fraction);
 
+  // The queries append to their vector, in phase II only; what they answer beside the refusals: SemiLattice,
+  // whose operations they are. Code 40001, error: an exception, of the listener too.
+  //
+  // All rules of at least this support and confidence (fractions), without redundant ones.
+  KorAssoc::KorStatus CreateNgetRules(double minSupport, double minConfidence,
+                                      std::vector<AssociationRule>& rules);
+
+  // The rules within all bounds: SemiLattice::createFilteredRules.
+  KorAssoc::KorStatus GetRulesSpecial(double minConfidence, double maxConfidence, double minSupport,
+                                      double maxSupport, double minLift, char sortBy,
+                                      ItemSet* antecedentRequired, ItemSet* antecedentAllowed,
+                                      int minAntecedentLength, int maxAntecedentLength,
+                                      ItemSet* consequentRequired, ItemSet* consequentAllowed,
+                                      int minConsequentLength, int maxConsequentLength, int maxRules,
+                                      bool minimalAntecedentsOnly, std::vector<AssociationRule>& rules);
+
+  // The single items that such rules lead to: SemiLattice::createFilteredConsequents.
+  KorAssoc::KorStatus GetItemsSpecial(double minConfidence, double maxConfidence, double minSupport,
+                                      double maxSupport, double minLift, char sortBy,
+                                      ItemSet* antecedentRequired, ItemSet* antecedentAllowed,
+                                      int minAntecedentLength, int maxAntecedentLength,
+                                      ItemSet* consequentAllowed, int maxItems,
+                                      std::vector<ConsequentDescriptor>& items);
+
+  // The items that follow from an antecedent: SemiLattice::createConsequents.
+  KorAssoc::KorStatus GetItems(ItemSet* antecedent, int maxItems, std::vector<ConsequentDescriptor>& items);
+
   // The lattice, owned by the engine; null outside phase II.
   SemiLattice* GetLattice();
 

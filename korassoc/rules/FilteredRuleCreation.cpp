@@ -1,0 +1,172 @@
+#include "korassoc/rules/FilteredRuleCreation.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+
+#include "korassoc/dictionary/LatticeGraph.h"
+#include "korassoc/engine/CreateRulesReporter.h"
+#include "korassoc/engine/DictionarySettings.h"
+#include "korassoc/itemsets/CountBound.h"
+#include "korassoc/rules/ItemDifference.h"
+#include "korassoc/rules/LatticeSearch.h"
+
+using KorAssoc::KorStatus;
+
+namespace korassoc::detail {
+
+FilteredRuleCreation::FilteredRuleCreation(SetDictionary& dictionary, const RuleFilter& filter,
+                                           ProgressListener* listener)
+    : dictionary_(dictionary),
+      graph_(dictionary.graph()),
+      filter_(filter),
+      transactionCount_(dictionary.getEmptySetCount()),
+      listener_(listener) {
+  if (filter_.antecedentRequired == nullptr) filter_.antecedentRequired = &noItems_;
+  if (filter_.consequentRequired == nullptr) filter_.consequentRequired = &noItems_;
+}
+
+KorStatus FilteredRuleCreation::run(std::vector<AssociationRule>& out) {
+  if (dictionary_.getHighestLevel() == 0) return KorStatus(40002, true);
+  AntecedentTables tables;
+  RuleList rules(graph_);
+  const bool found = findAntecedents(candidates(), tables);
+  if (found && !dictionary_.isRestartFailed()) {
+    if (filter_.minimalAntecedentsOnly) tables.pruneRedundant(graph_);
+    emit(tables, rules);
+  }
+  rules.moveTo(out, filter_.sortBy, filter_.maxRules);
+  return found ? dictionary_.currentStatus() : KorStatus(1, false);
+}
+
+// The itemsets that can be split into rules of the filter.
+std::vector<int> FilteredRuleCreation::candidates() const {
+  const SearchBounds bounds{
+      countBoundFromFraction(transactionCount_, filter_.minSupport),
+      filteredMaxCountBound(transactionCount_, filter_.minSupport, filter_.maxSupport),
+      static_cast<long long>(filter_.minAntecedentLength) + filter_.minConsequentLength,
+      static_cast<long long>(filter_.maxAntecedentLength) + filter_.maxConsequentLength};
+  const LatticeSearch search(graph_);
+  const std::unique_ptr<ItemSet> required(filter_.antecedentRequired->setUnion(filter_.consequentRequired));
+  const ItemSet* antecedentAllowed = filter_.antecedentAllowed;
+  const ItemSet* consequentAllowed = filter_.consequentAllowed;
+  if (antecedentAllowed != nullptr && consequentAllowed != nullptr) {
+    const std::unique_ptr<ItemSet> allowed(antecedentAllowed->setUnion(consequentAllowed));
+    return search.supersets(*required, allowed.get(), bounds);
+  }
+  if (required->length() == 0 && antecedentAllowed != nullptr)
+    return search.containing(*antecedentAllowed, bounds);
+  if (required->length() == 0 && consequentAllowed != nullptr)
+    return search.containing(*consequentAllowed, bounds);
+  return search.supersets(*required, nullptr, bounds);
+}
+
+bool FilteredRuleCreation::findAntecedents(const std::vector<int>& candidates, AntecedentTables& tables) {
+  const int interval = dictionary_.settings().GetReportFrequency();
+  const auto total = static_cast<int>(candidates.size());
+  AntecedentSearch antecedentSearch(dictionary_, graph_);
+  bool goesOn = true;
+  for (int i = 0; goesOn && i < total; ++i) {
+    const int whole = candidates[static_cast<std::size_t>(i)];
+    goesOn = search(antecedentSearch, whole, tables.antecedents);
+    if (interval > 0 && i % interval == 0) report(i + 1, total);
+    if (goesOn) tables.close(whole);
+  }
+  report(total, total);
+  return goesOn;
+}
+
+bool FilteredRuleCreation::search(AntecedentSearch& search, int whole, std::vector<int>& antecedents) {
+  const long long length = graph_.length(whole);
+  AntecedentFilter filter;
+  filter.highestCount = antecedentCountBound(graph_.count(whole), filter_.minConfidence);
+  filter.lowestCount = graph_.count(whole) / filter_.maxConfidence;
+  filter.shortest = std::max<long long>(length - filter_.maxConsequentLength, filter_.minAntecedentLength);
+  filter.longest = std::min<long long>(length - filter_.minConsequentLength, filter_.maxAntecedentLength);
+  filter.keeps = filter_.antecedentRequired;
+  filter.mayLeave = filter_.consequentAllowed;
+  filter.minimalOnly = filter_.minimalAntecedentsOnly;
+  const int start = startOf(whole, filter);
+  if (start == LatticeGraph::kNone) return true;
+  const std::size_t begin = antecedents.size();
+  const bool goesOn = search.run(start, filter, antecedents);
+  orderAsTable(antecedents, begin);
+  return goesOn;
+}
+
+// The largest antecedent of an itemset that can be one; kNone when that is none.
+int FilteredRuleCreation::startOf(int whole, const AntecedentFilter& filter) const {
+  const ItemSet& set = graph_.set(whole);
+  ItemSet start(set, *filter_.consequentRequired);
+  if (filter_.antecedentAllowed != nullptr) {
+    const std::unique_ptr<ItemSet> allowed(start.intersect(filter_.antecedentAllowed));
+    start = *allowed;
+  }
+  if (start.length() == set.length()) return whole;
+  const int node = graph_.find(start);
+  if (node == LatticeGraph::kNone || graph_.count(node) > filter.highestCount ||
+      start.length() < filter.shortest) {
+    return LatticeGraph::kNone;
+  }
+  const ItemSet left(set, start);
+  return left.isSubsetOf(filter_.consequentAllowed) ? node : LatticeGraph::kNone;
+}
+
+// Unsorted results show the order of the antecedents' table.
+void FilteredRuleCreation::orderAsTable(std::vector<int>& antecedents, std::size_t begin) const {
+  if (filter_.sortBy == 'C' || filter_.sortBy == 'S' || filter_.sortBy == 'L' ||
+      antecedents.size() - begin < 2)
+    return;
+  HashTable table(dictionary_.settings().GetInitialBoundarySize());
+  for (std::size_t i = begin; i < antecedents.size(); ++i) {
+    table.put(const_cast<ItemSet*>(&graph_.set(antecedents[i])), nullptr);  // the table does not change it
+  }
+  std::size_t next = begin;
+  table.forEach([&](const HashTable::Entry& entry) { antecedents[next++] = graph_.find(*entry.key); });
+  table.clear();  // the sets stay the lattice's
+}
+
+void FilteredRuleCreation::emit(const AntecedentTables& tables, RuleList& rules) const {
+  ItemDifference consequentItems;
+  for (std::size_t i = 0; i < tables.sets.size(); ++i) {
+    const int whole = tables.sets[i];
+    const double count = graph_.count(whole);
+    const double support = count / transactionCount_;
+    if (!(filter_.minSupport <= support && support <= filter_.maxSupport)) continue;
+    for (std::size_t j = tables.begins[i]; j < tables.begins[i + 1]; ++j) {
+      const int node = tables.antecedents[j];
+      const ItemSet& antecedent = graph_.set(node);
+      if (antecedent.length() < filter_.minAntecedentLength ||
+          antecedent.length() > filter_.maxAntecedentLength ||
+          !filter_.antecedentRequired->isSubsetOf(&antecedent) ||
+          !antecedent.isSubsetOf(filter_.antecedentAllowed)) {
+        continue;
+      }
+      const double confidence = count / graph_.count(node);
+      if (!(filter_.minConfidence <= confidence && confidence <= filter_.maxConfidence)) continue;
+      consequentItems.assign(graph_.set(whole), antecedent);
+      const int length = consequentItems.length();
+      if (length == 0 || length < filter_.minConsequentLength || length > filter_.maxConsequentLength)
+        continue;
+      if (filter_.consequentAllowed != nullptr || filter_.consequentRequired->length() > 0) {
+        const ItemSet consequent(consequentItems.items(), length);
+        if (!consequent.isSubsetOf(filter_.consequentAllowed)) continue;
+        if (!filter_.consequentRequired->isSubsetOf(&consequent)) continue;
+      }
+      const int consequentNode = graph_.find(consequentItems.items(), length);
+      const double lift = consequentNode != LatticeGraph::kNone
+                              ? confidence / graph_.count(consequentNode) * transactionCount_
+                              : 0.0;
+      if (!(lift >= filter_.minLift)) continue;
+      rules.add({whole, node, consequentNode, support, confidence, lift});
+    }
+  }
+}
+
+void FilteredRuleCreation::report(int bounds, int setTotal) const {
+  if (listener_ == nullptr) return;
+  CreateRulesReporter reporter(bounds, setTotal);
+  listener_->OnProgress(&reporter);
+}
+
+}  // namespace korassoc::detail

@@ -1,0 +1,45 @@
+// All rules of a lattice above a support and a confidence.
+
+#pragma once
+
+#include <vector>
+
+#include "korassoc/dictionary/SetDictionary.h"
+#include "korassoc/engine/KorStatus.h"
+#include "korassoc/engine/ProgressListener.h"
+#include "korassoc/rules/AssociationRule.h"
+#include "korassoc/rules/RuleList.h"
+
+namespace korassoc::detail {
+
+// Appends the rules X -> Z \ X of every stored set Z that reaches the support, for every antecedent X that
+// reaches the confidence, the empty one included; pruneRedundant keeps only minimal antecedents and of these
+// only those that do not reach a larger consequent (Bastide, Pasquier, Taouil, Stumme & Lakhal, CL 2000, for
+// the idea of such bases). While it works, the descriptors' TIDs become the running numbers of the frequent
+// sets, and stay so.
+class RuleCreation {
+ public:
+  // minSupport, minConfidence: fractions. listener may be null.
+  RuleCreation(SetDictionary& dictionary, double minSupport, double minConfidence, ProgressListener* listener,
+               bool pruneRedundant);
+
+  // Answers 40002/warning when the lattice is empty, 1/error when it was told to stop; out then gets no
+  // rules. Brings all of out into the order of confidence. Exceptions of the listener are let through.
+  KorAssoc::KorStatus run(std::vector<AssociationRule>& out);
+
+ private:
+  std::vector<int> numberFrequentSets() const;
+  bool findAntecedents(const std::vector<int>& frequent, AntecedentTables& tables);
+  void emit(const AntecedentTables& tables, RuleList& rules) const;
+  void report(int bounds, int setTotal) const;
+
+  SetDictionary& dictionary_;
+  const LatticeGraph& graph_;
+  int transactionCount_;
+  int minCount_;
+  double minConfidence_;
+  ProgressListener* listener_;
+  bool pruneRedundant_;
+};
+
+}  // namespace korassoc::detail
