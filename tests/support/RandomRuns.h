@@ -131,3 +131,23 @@ inline RandomRun randomRun(std::uint64_t seed) {
   if (dice.chance(30)) run.calls.push_back(3);  // with little or nothing left to read
   return run;
 }
+
+// A data set in which every itemset of every transaction ends up in the store: at a support that one
+// transaction reaches, a transaction adds the sets all of whose subsets came before, so each set is there
+// after as many rounds as it has items.
+inline RandomRun everythingStored(std::uint64_t seed) {
+  Dice dice(seed);
+  RandomRun run;
+  run.settings.removeSmallFreq = 0;
+  run.settings.maxLengthSet = 6;
+  const oracle::Transactions block =
+      randomTransactions(dice, randomUniverse(dice, dice.between(4, 9)), dice.between(5, 25), 6, false);
+  for (int round = 0; round < 7; ++round) {
+    oracle::Transactions shuffled = block;
+    dice.shuffle(shuffled);
+    run.transactions.insert(run.transactions.end(), shuffled.begin(), shuffled.end());
+  }
+  run.supports.assign(run.transactions.size(), 1e-6);
+  run.calls = {static_cast<int>(run.transactions.size())};
+  return run;
+}

@@ -14,14 +14,14 @@
 inline std::string text(const oracle::PlainRule& rule) {
   std::ostringstream out;
   out.precision(17);
-  out << braces(rule.antecedent) << " -> " << braces(rule.consequent) << " support " << rule.support << " confidence "
-      << rule.confidence << " lift " << rule.lift;
+  out << braces(rule.antecedent) << " -> " << braces(rule.consequent) << " support " << rule.support
+      << " confidence " << rule.confidence << " lift " << rule.lift;
   return out.str();
 }
 
 inline oracle::PlainRule plainRule(const AssociationRule& rule) {
-  return {itemsOf(rule.getAntecedent()), itemsOf(rule.getConsequent()), rule.getSupport(), rule.getConfidence(),
-          rule.getLift()};
+  return {itemsOf(rule.getAntecedent()), itemsOf(rule.getConsequent()), rule.getSupport(),
+          rule.getConfidence(), rule.getLift()};
 }
 
 inline std::string text(const AssociationRule& rule) { return text(plainRule(rule)); }
