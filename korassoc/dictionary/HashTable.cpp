@@ -6,6 +6,8 @@
 
 namespace {
 
+using Buckets = korassoc::detail::BucketArray<HashTable::Entry>;
+
 bool sameSet(const ItemSet& stored, const ItemSetView& set) {
   if (stored.hashcode() != set.hash || stored.length() != set.length) return false;
   return std::equal(set.items, set.items + set.length, stored.getTheArray());
@@ -16,23 +18,21 @@ bool sameSet(const ItemSet& stored, const ItemSetView& set) {
 HashTable::HashTable(int initialBuckets) { setBucketCount(initialBuckets); }
 
 HashTable::HashTable(const HashTable& other)
-    : buckets_(other.buckets_.size(), nullptr),
-      bucketCount_(other.bucketCount_),
-      threshold_(other.threshold_) {
+    : bucketCount_(other.bucketCount_), threshold_(other.threshold_) {
+  if (other.buckets_.empty()) return;
+  buckets_ = Buckets(other.buckets_.size());
+  buckets_.prepareFor(static_cast<std::size_t>(other.count_));
+  Entry* last = nullptr;
   try {
-    for (std::size_t i = 0; i < other.buckets_.size(); ++i) {
-      Entry** tail = &buckets_[i];
-      for (const Entry* entry = other.buckets_[i]; entry != nullptr; entry = entry->next) {
-        *tail = new Entry{entry->key, entry->descriptor, nullptr};
-        tail = &(*tail)->next;
-        ++count_;
-      }
-    }
+    other.forEach([&](const Entry& entry) {
+      const std::size_t index = indexOf(entry.key->hashcode());
+      Entry*& end = buckets_.head(index) == nullptr ? buckets_.link(index) : last->next;
+      end = last = new Entry{entry.key, entry.descriptor, nullptr};
+      ++count_;
+    });
   } catch (...) {
-    // The keys and descriptors stay the other table's.
-    for (Entry*& head : buckets_) {
-      while (head != nullptr) delete std::exchange(head, head->next);
-    }
+    clear();  // the keys and descriptors stay the other table's
+    while (freeNodes_ != nullptr) delete std::exchange(freeNodes_, freeNodes_->next);
     throw;
   }
 }
@@ -43,14 +43,15 @@ HashTable::~HashTable() {
 }
 
 void HashTable::deleteContents() {
-  for (Entry*& head : buckets_) {
+  buckets_.forEachHead([](Entry*& head) {
     while (head != nullptr) {
       Entry* entry = std::exchange(head, head->next);
       delete entry->key;
       delete entry->descriptor;
       delete entry;
     }
-  }
+  });
+  count_ = 0;
 }
 
 void HashTable::setBucketCount(int count) {
@@ -75,35 +76,51 @@ void HashTable::putReplace(ItemSet* set, SetCounter* descriptor) {
 }
 
 void HashTable::putNew(ItemSet* set, SetCounter* descriptor) {
-  if (buckets_.empty()) buckets_.resize(static_cast<std::size_t>(bucketCount_), nullptr);
-  if (count_ >= threshold_) rehash();
+  makeRoom(*set);
   Entry* node = newNode();
-  Entry*& head = buckets_[indexOf(set->hashcode())];
-  *node = Entry{set, descriptor, head};
-  head = node;
+  *node = Entry{set, descriptor, nullptr};
+  hang(node);
+}
+
+// Makes the table large enough for one entry more, so that nothing can fail when it is hung into its chain.
+void HashTable::makeRoom(const ItemSet& set) {
+  if (buckets_.empty()) buckets_ = Buckets(static_cast<std::size_t>(bucketCount_));
+  if (count_ >= threshold_) rehash();
+  buckets_.prepareFor(static_cast<std::size_t>(count_) + 1);
+  buckets_.link(indexOf(set.hashcode()));
+}
+
+// Puts an entry at the head of its chain.
+void HashTable::hang(Entry* entry) {
+  Entry*& head = buckets_.link(indexOf(entry->key->hashcode()));
+  entry->next = head;
+  head = entry;
   ++count_;
 }
 
 void HashTable::rehash() {
   constexpr int kMaxBuckets = (std::numeric_limits<int>::max() - 1) / 2;
   if (bucketCount_ > kMaxBuckets) return;  // the chains grow instead
-  std::vector<Entry*> former(static_cast<std::size_t>(bucketCount_) * 2 + 1, nullptr);
-  former.swap(buckets_);
+  Buckets former(static_cast<std::size_t>(bucketCount_) * 2 + 1);
+  former.prepareFor(static_cast<std::size_t>(count_));
+  std::swap(former, buckets_);
   setBucketCount(2 * bucketCount_ + 1);
   ++modCount_;
-  for (Entry* head : former) {
+  former.forEachHead([this](Entry* head) {
     while (head != nullptr) {
       Entry* entry = std::exchange(head, head->next);
-      Entry*& newHead = buckets_[indexOf(entry->key->hashcode())];
+      Entry*& newHead = buckets_.link(indexOf(entry->key->hashcode()));
       entry->next = newHead;
       newHead = entry;
     }
-  }
+  });
 }
 
 HashTable::Entry** HashTable::findLink(const ItemSetView& set) {
   if (buckets_.empty()) return nullptr;
-  for (Entry** link = &buckets_[indexOf(set.hash)]; *link != nullptr; link = &(*link)->next) {
+  const std::size_t index = indexOf(set.hash);
+  if (buckets_.head(index) == nullptr) return nullptr;
+  for (Entry** link = &buckets_.link(index); *link != nullptr; link = &(*link)->next) {
     if (sameSet(*(*link)->key, set)) return link;
   }
   return nullptr;
@@ -111,7 +128,7 @@ HashTable::Entry** HashTable::findLink(const ItemSetView& set) {
 
 HashTable::Entry* HashTable::find(const ItemSetView& set) const {
   if (buckets_.empty()) return nullptr;
-  for (Entry* entry = buckets_[indexOf(set.hash)]; entry != nullptr; entry = entry->next) {
+  for (Entry* entry = buckets_.head(indexOf(set.hash)); entry != nullptr; entry = entry->next) {
     if (sameSet(*entry->key, set)) return entry;
   }
   return nullptr;
@@ -147,16 +164,15 @@ HashTable::Entry* HashTable::newNode() {
 }
 
 void HashTable::clear() {
-  for (Entry*& head : buckets_) {
+  buckets_.forEachHead([this](Entry*& head) {
     while (head != nullptr) recycle(std::exchange(head, head->next));
-  }
+  });
   count_ = 0;
 }
 
 void HashTable::resetBuckets(int bucketCount) {
   clear();
-  buckets_.clear();
-  buckets_.shrink_to_fit();
+  buckets_ = Buckets();
   modCount_ = 0;
   setBucketCount(bucketCount);
 }

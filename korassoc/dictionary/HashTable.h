@@ -2,11 +2,13 @@
 
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <iosfwd>
 #include <memory>
-#include <vector>
 
 #include "korassoc/base/Export.h"
+#include "korassoc/dictionary/BucketArray.h"
 #include "korassoc/dictionary/SetCounter.h"
 #include "korassoc/itemsets/ItemSet.h"
 #include "korassoc/itemsets/ItemSetView.h"
@@ -25,7 +27,9 @@
 // Ownership: the destructor deletes the keys and descriptors that the table holds. remove() hands an entry to
 // the
 //   caller with all that it holds; clear() lets keys and descriptors go without deleting them.
-// Cost: find, put, remove O(1 + length of the chain). The bucket array is made at the first insertion.
+// Cost: find, put, remove O(1 + length of the chain). The bucket array is made at the first insertion, and
+// takes
+//   memory for the buckets in use only where the number of buckets is out of proportion.
 class KORASSOC_EXPORT HashTable {
  public:
   struct Entry {
@@ -76,22 +80,23 @@ class KORASSOC_EXPORT HashTable {
   // How often the table grew.
   int modCount() const { return modCount_; }
   // The chain of one bucket, 0 <= index < bucketCount(): its first entry or null.
-  Entry* bucket(int index) const {
-    return buckets_.empty() ? nullptr : buckets_[static_cast<std::size_t>(index)];
-  }
+  Entry* bucket(int index) const { return buckets_.head(static_cast<std::size_t>(index)); }
+
+  // The bucket of a stored set.
+  int bucketOf(const ItemSet& set) const { return static_cast<int>(indexOf(set.hashcode())); }
 
   // Calls visit(Entry&) for every entry, bucket by bucket, each from its head. visit must not add or remove.
   template <typename Visitor>
   void forEach(Visitor&& visit) const {
-    for (Entry* head : buckets_) {
+    buckets_.forEachHead([&visit](Entry* head) {
       for (Entry* entry = head; entry != nullptr; entry = entry->next) visit(*entry);
-    }
+    });
   }
 
   // Removes every entry for which drop(Entry&) answers true and hands it to discard(Entry*), in table order.
   template <typename Drop, typename Discard>
   void sweep(Drop&& drop, Discard&& discard) {
-    for (Entry*& head : buckets_) {
+    buckets_.forEachHead([&](Entry*& head) {
       Entry** link = &head;
       while (*link != nullptr) {
         if (drop(**link)) {
@@ -100,8 +105,31 @@ class KORASSOC_EXPORT HashTable {
           link = &(*link)->next;
         }
       }
-    }
+    });
   }
+
+  // The record in a binary state: "HT", the number of entries, then the records of key and descriptor of
+  // each, in table order. Both return the bytes written or read. An entry without descriptor is written with
+  // a plain counter of nothing.
+  std::uint64_t writeObject(std::fstream& stream) const;
+  // descriptorType tells what the entries hold: A for SetCounter, C for CarmaSetDescriptor (or SetCounter,
+  // which sets from the spill store carry), L for LatticeSetDescriptor. Deletes what the table held, takes a
+  // number of buckets that fits the number of entries, and puts the entries in order; a set that comes again
+  // is dropped. A number of entries below 1 leaves the table empty, with its buckets, and the answer is 6.
+  // Throws an IOException as a pointer, after a line on a diagnostic stream, for any other record and an
+  // entry that cannot be read; the table is empty then.
+  std::uint64_t readObject(std::fstream& stream, char descriptorType);
+
+  // The record in an XML state: an object "HashtablePair" with the number of entries and an object "ISCPair"
+  // for each, indented by so many tabs. Both return its lines. Reading is as above, but that it answers 0
+  // where readObject() throws.
+  std::uint64_t writeObjectXML(std::ostream& out, int tabs) const;
+  std::uint64_t readObjectXML(std::ifstream& in, char descriptorType);
+
+  // Reading for a table of sets of one size alone, in items: others are refused like entries that cannot be
+  // read.
+  std::uint64_t readLevel(std::fstream& stream, char descriptorType, int setLength);
+  std::uint64_t readLevelXML(std::ifstream& in, char descriptorType, int setLength);
 
  private:
   std::size_t indexOf(int hash) const {
@@ -113,10 +141,14 @@ class KORASSOC_EXPORT HashTable {
   void setBucketCount(int count);
   Entry* newNode();
   void deleteContents();
+  void takeOver(Entry* first, int entries);
+  bool isNewInChain(const ItemSet& set, std::int64_t& stepsLeft) const;
+  void makeRoom(const ItemSet& set);
+  void hang(Entry* entry);
 
   static constexpr float kLoadFactor = 0.75F;
 
-  std::vector<Entry*> buckets_;  // chain heads; empty until the first insertion
+  korassoc::detail::BucketArray<Entry> buckets_;  // chain heads; empty until the first insertion
   int bucketCount_;
   int count_ = 0;
   int threshold_ = 0;

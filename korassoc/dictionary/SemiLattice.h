@@ -63,6 +63,8 @@ class KORASSOC_EXPORT SemiLattice {
   virtual int getLevelSize(int level) const = 0;
   // The number of sets in memory of more than this many items.
   virtual int getSizeAboveLevel(int level) const = 0;
+  // Writes every set and its count to standard output, level by level and bucket by bucket.
+  virtual void display() const = 0;
   // Writes every stored set with its figures as a lattice document. minSupport is a remark in it and selects
   // nothing. The stream's state is the caller's to look at.
   virtual KorAssoc::KorStatus exportLatticeXML(std::ostream& out, double minSupport) = 0;

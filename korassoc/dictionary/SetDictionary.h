@@ -4,6 +4,7 @@
 
 #include <bitset>
 #include <cstdint>
+#include <iosfwd>
 #include <memory>
 #include <set>
 #include <vector>
@@ -86,11 +87,24 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   int getHighestLevel() const override;
   int getLevelSize(int level) const override;
   int getSizeAboveLevel(int level) const override;
+  void display() const override;
   KorAssoc::KorStatus exportLatticeXML(std::ostream& out, double minSupport) override;
   SemiLattice* filteredCopy(double minFraction) override;
   SemiLattice* filteredCopy(double minFraction, const ItemSet& leaveOut) override;
   void setRestartFailed() override;
   ~SetDictionary() override;
+
+  // The record in a binary state: "SD", the sizes and limits, and the record of every level's table. What
+  // lies on disk is not part of it, nor are the lattice's links. Both return the bytes written or read;
+  // writing flushes the stream. Throw an IOException as a pointer, after a line on a diagnostic stream, for a
+  // bad stream and, reading, for anything but the record of a dictionary with the same maxLevel(): what was
+  // stored is then given up, in whole or in part.
+  virtual std::uint64_t writeObject(std::fstream& stream) const;
+  virtual std::uint64_t readObject(std::fstream& stream);
+  // The record in an XML state: an object "SetDictionary" with the same content, the lattice's links
+  // included. Both return its lines.
+  virtual std::uint64_t writeObjectXML(std::ostream& out) const;
+  virtual std::uint64_t readObjectXML(std::ifstream& in);
 
   // Stores the empty set and makes the number of sets in memory 1. False, and nothing taken over, when it is
   // stored already.
@@ -241,6 +255,13 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   static constexpr int kSpillLevel = 1;
   static std::size_t itemBit(int item) { return static_cast<std::uint32_t>(item) % kItemBits; }
 
+  struct RecordHead;
+  RecordHead recordHead() const;
+  bool accepts(const RecordHead& head) const;
+  void restart(const RecordHead& head);
+  template <typename Read>
+  void readTables(Read&& read);
+
   int initialBuckets(int level) const;
   HashTable& table(int level);
   HashTable* tableOrNull(int level) const;
@@ -281,6 +302,8 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   bool bitsetOff_ = true;
   bool latticeBuilt_ = false;
   int fixedSetCount_;
+  int recordedSpillLevel_ =
+      kSpillLevel;             // what a saved state says; the store serves kSpillLevel all the same
   std::vector<int> selected_;  // the items of an index selection during one call
   int setsGivenUp_ = 0;
   int setsSpilled_ = 0;

@@ -1,0 +1,72 @@
+// The chain heads of a hash table.
+
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <map>
+#include <utility>
+#include <vector>
+
+namespace korassoc::detail {
+
+// An array of chain heads that takes memory for those in use, as long as they are few among very many:
+// settings, and saved states above all, may ask for any number of buckets. Up to kAlwaysDense of them it is a
+// plain array; beyond, the heads in use stand in a map, until there are enough of them to pay for the array.
+//
+// Cost: O(1) as an array, O(log heads in use) as a map.
+template <typename Node>
+class BucketArray {
+ public:
+  BucketArray() = default;
+  // Requires size > 0.
+  explicit BucketArray(std::size_t size) : size_(size) {
+    if (size <= kAlwaysDense) dense_.resize(size, nullptr);
+  }
+
+  bool empty() const { return size_ == 0; }
+  std::size_t size() const { return size_; }
+
+  // The first node of a chain, or null.
+  Node* head(std::size_t index) const {
+    if (!dense_.empty()) return dense_[index];
+    const auto found = sparse_.find(index);
+    return found != sparse_.end() ? found->second : nullptr;
+  }
+  // The head itself, to be changed; it stays where it is until the next call.
+  Node*& link(std::size_t index) { return !dense_.empty() ? dense_[index] : sparse_[index]; }
+
+  // Tells that a table is going to hold so many nodes.
+  void prepareFor(std::size_t nodes) {
+    if (dense_.empty() && std::max(nodes, sparse_.size()) > size_ / kBucketsPaidByANode) makeDense();
+  }
+
+  // Calls visit(Node*&) for the heads in order of index; null ones may be left out.
+  template <typename Visitor>
+  void forEachHead(Visitor&& visit) {
+    for (Node*& head : dense_) visit(head);
+    for (auto& [index, head] : sparse_) visit(head);
+  }
+  template <typename Visitor>
+  void forEachHead(Visitor&& visit) const {
+    for (Node* const& head : dense_) visit(head);
+    for (const auto& [index, head] : sparse_) visit(head);
+  }
+
+ private:
+  static constexpr std::size_t kAlwaysDense = 1U << 18;  // 2 MiB of heads
+  static constexpr std::size_t kBucketsPaidByANode = 64;
+
+  void makeDense() {
+    std::vector<Node*> heads(size_, nullptr);
+    for (const auto& [index, head] : sparse_) heads[index] = head;
+    dense_ = std::move(heads);
+    sparse_.clear();
+  }
+
+  std::size_t size_ = 0;
+  std::vector<Node*> dense_;             // empty while the map is in use
+  std::map<std::size_t, Node*> sparse_;  // the heads that were asked for
+};
+
+}  // namespace korassoc::detail

@@ -1,0 +1,263 @@
+// The table's records, binary and XML, and the order that reading gives it.
+
+#include <algorithm>
+#include <cstdint>
+#include <fstream>
+#include <iostream>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "korassoc/base/BinaryRecord.h"
+#include "korassoc/dictionary/DescriptorRecord.h"
+#include "korassoc/dictionary/HashTable.h"
+#include "korassoc/dictionary/SubsetIndex.h"
+#include "korassoc/engine/Exceptions.h"
+#include "korassoc/itemsets/ItemSetRecord.h"
+#include "korassoc/xml/XMLObj.h"
+#include "korassoc/xml/XMLReader.h"
+
+using korassoc::detail::BinaryReader;
+using korassoc::detail::BinaryWriter;
+using korassoc::detail::kFrameLines;
+using KorAssocXML::XMLObj;
+
+namespace {
+
+using Entry = HashTable::Entry;
+
+constexpr int kAnyLength = -1;
+constexpr std::uint64_t kHeadBytes = 6;  // "HT" and the number of entries
+
+// Steps along chains that reading makes before it turns to another way of finding equal sets.
+constexpr std::int64_t kFreeSteps = 4096;
+constexpr std::int64_t kStepsOfAnEntry = 8;
+
+// Entries on their way into a table, in the order in which they came. Memory grows with them, not with the
+// number that a record claims.
+class EntryList {
+ public:
+  explicit EntryList(Entry* first = nullptr) : first_(first) {}
+  EntryList(const EntryList&) = delete;
+  EntryList& operator=(const EntryList&) = delete;
+  ~EntryList() {
+    while (first_ != nullptr) deleteFront();
+  }
+
+  Entry* front() const { return first_; }
+  Entry* popFront() { return std::exchange(first_, first_->next); }
+  void deleteFront() {
+    const Entry* entry = popFront();
+    delete entry->key;
+    delete entry->descriptor;
+    delete entry;
+  }
+  void append(std::unique_ptr<ItemSet> set, std::unique_ptr<SetCounter> descriptor) {
+    auto* entry = new Entry{set.get(), descriptor.get(), nullptr};
+    static_cast<void>(set.release());
+    static_cast<void>(descriptor.release());
+    (first_ == nullptr ? first_ : last_->next) = entry;
+    last_ = entry;
+  }
+  // The whole chain; the caller owns it.
+  Entry* release() { return std::exchange(first_, nullptr); }
+
+ private:
+  Entry* first_;
+  Entry* last_ = nullptr;  // of what was appended
+};
+
+// Sets by a hash code that spreads whatever they hold. Reading turns to it when the chains of a table grow
+// long, as those of a record made for that purpose do.
+class KnownSets {
+ public:
+  explicit KnownSets(int most)
+      : slots_(static_cast<std::size_t>(most) + static_cast<std::size_t>(most) / 3 + 1) {}
+
+  // False when an equal set is there already.
+  bool add(const ItemSet& set) {
+    // The hash code's upper half picks the slot: its share of 2^32 is the slot's share of them all.
+    std::uint64_t slot = ((korassoc::detail::SubsetIndex::hashOf(set) >> 32U) * slots_.size()) >> 32U;
+    for (; slots_[slot] != nullptr; slot = slot + 1 < slots_.size() ? slot + 1 : 0) {
+      if (*slots_[slot] == set) return false;
+    }
+    slots_[slot] = &set;
+    return true;
+  }
+
+ private:
+  std::vector<const ItemSet*> slots_;  // open addressing, linear; at most three quarters full
+};
+
+// The number of buckets of a table that is read with so many entries: never a multiple of 2 or 3, but for the
+// largest tables.
+int bucketsFor(int entries) {
+  constexpr double kMost = std::numeric_limits<int>::max() - 2;
+  const auto buckets = static_cast<int>(std::min(entries * 1.55, kMost));
+  constexpr int kStep[] = {1, 0, -1, 2, 1, 0};  // by the remainder of 6
+  return buckets + kStep[buckets % 6];
+}
+
+bool isRightLength(int length, int expected) { return expected == kAnyLength || length == expected; }
+
+[[noreturn]] void refuseEntry() {
+  std::cout << "Problem reading Hashtable.\n";
+  throw new IOException();
+}
+
+void readEntry(BinaryReader& record, char descriptorType, int setLength, std::vector<int>& items,
+               EntryList& entries) {
+  int length = 0;
+  if (!korassoc::detail::readItems(record, length, items)) {
+    std::cout << "Failure reading ItemSet!\n";
+    refuseEntry();
+  }
+  const auto stored = static_cast<int>(items.size());  // a negative length stands for none
+  if (!isRightLength(stored, setLength)) refuseEntry();
+  auto set = std::make_unique<ItemSet>(items.data(), stored);
+  auto descriptor = korassoc::detail::readDescriptor(record, descriptorType);
+  if (descriptor == nullptr) refuseEntry();
+  entries.append(std::move(set), std::move(descriptor));
+}
+
+// The lines of the entry's object, 0 when it is not one.
+std::uint64_t readEntryXML(std::ifstream& in, char descriptorType, int setLength, EntryList& entries) {
+  if (!KorAssocXML::ParseStartObj(in, "ISCPair")) return 0;
+  auto set = std::make_unique<ItemSet>();
+  std::uint64_t lines = set->readObjectXML(in);
+  if (lines == 0 || !isRightLength(set->length(), setLength)) return 0;
+  auto descriptor = korassoc::detail::readDescriptorXML(in, descriptorType, lines);
+  if (descriptor == nullptr || !KorAssocXML::ParseEndObj(in)) return 0;
+  entries.append(std::move(set), std::move(descriptor));
+  return lines + kFrameLines;
+}
+
+std::uint64_t refusedTable(const char* line) {
+  std::cout << line;
+  return 0;
+}
+
+}  // namespace
+
+std::uint64_t HashTable::writeObject(std::fstream& stream) const {
+  BinaryWriter record(stream);
+  std::uint64_t besides = 0;
+  record.tag("HT");
+  record.int32(count_);
+  forEach([&](const Entry& entry) {
+    if (!stream.good()) return;
+    const SetCounter nothing;
+    korassoc::detail::writeItems(record, *entry.key);
+    besides += korassoc::detail::writeDescriptor(stream, record,
+                                                 entry.descriptor != nullptr ? *entry.descriptor : nothing);
+  });
+  return record.finish() + besides;
+}
+
+std::uint64_t HashTable::readObject(std::fstream& stream, char descriptorType) {
+  return readLevel(stream, descriptorType, kAnyLength);
+}
+
+std::uint64_t HashTable::readLevel(std::fstream& stream, char descriptorType, int setLength) {
+  if (stream.bad()) {
+    std::cerr << "bad stream in HashtablePair::readObject!\n";
+    throw new IOException();
+  }
+  BinaryReader record(stream);
+  std::string found;
+  if (!record.tag("HT", &found)) {
+    std::cout << "Failure reading Hashtable!\ninputStr: " << found << "\n";
+    throw new IOException();
+  }
+  deleteContents();
+  int entries = 0;
+  if (!record.int32(entries) || entries < 1) return kHeadBytes;
+  const std::uint64_t leastBytes = korassoc::detail::kItemSetHeadBytes +
+                                   korassoc::detail::kLeastDescriptorBytes +
+                                   4 * static_cast<std::uint64_t>(std::max(setLength, 0));
+  EntryList list;
+  std::vector<int> items;
+  for (int i = 0; i < entries; ++i) {
+    record.expect(static_cast<std::uint64_t>(entries - i) * leastBytes);
+    readEntry(record, descriptorType, setLength, items, list);
+  }
+  takeOver(list.release(), entries);
+  return record.count();
+}
+
+std::uint64_t HashTable::writeObjectXML(std::ostream& out, int tabs) const {
+  const XMLObj table("HashtablePair", tabs);
+  const XMLObj pair("ISCPair", tabs + 1);
+  table.StartObj(out);
+  table.WriteSubElement(out, count_);
+  std::uint64_t lines = kFrameLines + 1;
+  forEach([&](const Entry& entry) {
+    if (!out.good()) return;
+    const SetCounter nothing;
+    pair.StartObj(out);
+    lines += entry.key->writeObjectXML(out, tabs + 2);
+    lines += (entry.descriptor != nullptr ? *entry.descriptor : nothing).writeObjectXML(out, tabs + 2);
+    pair.EndObj(out);
+    lines += kFrameLines;
+  });
+  table.EndObj(out);
+  return lines;
+}
+
+std::uint64_t HashTable::readObjectXML(std::ifstream& in, char descriptorType) {
+  return readLevelXML(in, descriptorType, kAnyLength);
+}
+
+std::uint64_t HashTable::readLevelXML(std::ifstream& in, char descriptorType, int setLength) {
+  int entries = 0;
+  if (!KorAssocXML::ParseStartObj(in, "HashtablePair") || !KorAssocXML::ParseValue(in, entries)) {
+    return refusedTable("Failure reading Hashtable!\n");
+  }
+  deleteContents();
+  std::uint64_t lines = kFrameLines + 1;
+  EntryList list;
+  for (int i = 0; i < entries; ++i) {
+    const std::uint64_t linesOfEntry = readEntryXML(in, descriptorType, setLength, list);
+    if (linesOfEntry == 0) return refusedTable("Problem reading Hashtable.\n");
+    lines += linesOfEntry;
+  }
+  if (!KorAssocXML::ParseEndObj(in)) return refusedTable("Problem reading Hashtable.\n");
+  if (entries > 0) takeOver(list.release(), entries);
+  return lines;
+}
+
+// Fills the table, which is empty, with a chain of so many entries in their order, as put() would; takes the
+// entries over with what they hold.
+void HashTable::takeOver(Entry* first, int entries) {
+  EntryList list(first);
+  resetBuckets(bucketsFor(entries));
+  std::optional<KnownSets> known;
+  std::int64_t stepsLeft = kFreeSteps;
+  while (Entry* entry = list.front()) {
+    stepsLeft += kStepsOfAnEntry;
+    if (!known && stepsLeft < 0) {
+      known.emplace(entries);
+      forEach([&known](const Entry& stored) { known->add(*stored.key); });
+    }
+    const bool isNew = known ? known->add(*entry->key) : isNewInChain(*entry->key, stepsLeft);
+    if (isNew) {
+      makeRoom(*entry->key);
+      hang(list.popFront());
+    } else {
+      list.deleteFront();
+    }
+  }
+}
+
+// Whether no set of the chain is equal. Takes the steps that it makes from stepsLeft.
+bool HashTable::isNewInChain(const ItemSet& set, std::int64_t& stepsLeft) const {
+  if (buckets_.empty()) return true;
+  for (const Entry* entry = buckets_.head(indexOf(set.hashcode())); entry != nullptr; entry = entry->next) {
+    if (*entry->key == set) return false;
+    --stepsLeft;
+  }
+  return true;
+}
