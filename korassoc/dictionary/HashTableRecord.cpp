@@ -80,7 +80,9 @@ class KnownSets {
   // False when an equal set is there already.
   bool add(const ItemSet& set) {
     // The hash code's upper half picks the slot: its share of 2^32 is the slot's share of them all.
-    std::uint64_t slot = ((korassoc::detail::SubsetIndex::hashOf(set) >> 32U) * slots_.size()) >> 32U;
+    std::uint64_t slot =
+        ((korassoc::detail::SubsetIndex::hashOf(set.getTheArray(), set.length()) >> 32U) * slots_.size()) >>
+        32U;
     for (; slots_[slot] != nullptr; slot = slot + 1 < slots_.size() ? slot + 1 : 0) {
       if (*slots_[slot] == set) return false;
     }

@@ -3,6 +3,7 @@
 #include <iostream>
 #include <string>
 
+#include "korassoc/dictionary/LatticeGraph.h"
 #include "korassoc/dictionary/SetDictionary.h"
 #include "korassoc/dictionary/SpillStore.h"
 #include "korassoc/engine/DictionarySettings.h"

@@ -53,7 +53,7 @@ void SetDictionary::buildLattice() {
     table(0).put(set.get(), bottom.get());
     static_cast<void>(set.release());
     static_cast<void>(bottom.release());
-    ++inStoreCount_;
+    inStoreCount_ = korassoc::detail::saturatingSum(inStoreCount_, 1);  // a restored count may be anything
   }
   levelTable(1).forEach([](HashTable::Entry& entry) { replaceDescriptor(entry); });
   for (int level = 2; level <= getHighestLevel(); ++level) {

@@ -8,6 +8,7 @@
 
 #include "korassoc/base/BinaryRecord.h"
 #include "korassoc/dictionary/DescriptorRecord.h"
+#include "korassoc/dictionary/LatticeGraph.h"
 #include "korassoc/dictionary/SetDictionary.h"
 #include "korassoc/dictionary/SpillStore.h"
 #include "korassoc/engine/DictionarySettings.h"
@@ -91,6 +92,7 @@ void SetDictionary::restart(const RecordHead& head) {
   smallQueue_ = korassoc::detail::SmallQueue();
   queueTopCount_ = 0;
   refusedCopies_.clear();
+  graph_.reset();
   spillStore_.reset();
   levels_.clear();
   itemBits_->reset();
