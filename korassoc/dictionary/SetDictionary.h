@@ -302,8 +302,7 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   bool bitsetOff_ = true;
   bool latticeBuilt_ = false;
   int fixedSetCount_;
-  int recordedSpillLevel_ =
-      kSpillLevel;             // what a saved state says; the store serves kSpillLevel all the same
+  int recordedSpillLevel_ = kSpillLevel;  // of a saved state; the store serves kSpillLevel all the same
   std::vector<int> selected_;  // the items of an index selection during one call
   int setsGivenUp_ = 0;
   int setsSpilled_ = 0;
