@@ -1,5 +1,4 @@
-// The settings that every association algorithm has: limits on lengths, the dictionary's settings, the
-// listener.
+// The settings that every association algorithm has: limits on lengths, the dictionary's part, the listener.
 
 #pragma once
 
@@ -12,8 +11,7 @@
 #include "korassoc/engine/DictionarySettings.h"
 #include "korassoc/engine/ProgressListener.h"
 
-// Owns its progress listener, which is not part of the saved record: a reading object keeps its own. Not
-// copyable.
+// Owns its progress listener, which is not part of the saved record: a reading object keeps its own.
 class KORASSOC_EXPORT AssociationAlgorithmSettings {
  public:
   AssociationAlgorithmSettings();

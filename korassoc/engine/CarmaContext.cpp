@@ -33,8 +33,9 @@ void CarmaContext::Cancel(Engine& engine) const {
     answer(engine, Operation::Cancel);
     return;
   }
-  engine.cancelRequested_ = true;
+  // The wish comes last: who sees it may free the dictionary, on another thread.
   if (engine.dictionary_) engine.dictionary_->setRestartFailed();
+  engine.cancelRequested_ = true;
 }
 
 KorStatus CarmaContext::SaveState(Engine& engine, std::fstream& /*stream*/) const {

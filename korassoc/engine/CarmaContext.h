@@ -17,17 +17,18 @@ class SupportSource;
 // A state decides which operations of the engine work and what the others answer. The engine hands every
 // operation that depends on its state to the one it is in:
 //
-//   PhaseIContext --EndPhaseI--> PhaseIIContext        CarmaCancelContext         nothing leads out
-//   either of them --a save--> CarmaSaveContext, and back    CarmaFailedRestartContext  nothing leads out
-//   any --doCancel--> CarmaCancelContext
+//   PhaseIContext    EndPhaseI ->  PhaseIIContext
+//   either of these  a save ->     CarmaSaveContext, and back
+//   any              doCancel ->   CarmaCancelContext, out of which nothing leads
+//   a construction   failed ->     CarmaFailedRestartContext, out of which only a doCancel leads
 //
 // What every state answers stands in one table (ContextAnswers). The operations of this class read it: they
 // refuse, cancel, do nothing, or do what all states that carry the operation out do alike. A state overrides
 // those that it carries out in its own way.
 //
 // A state holds nothing: there is one constant object of each, shared by all engines, and every operation
-// gets the engine that it works on. So a state can be entered when memory is short. Errors: no operation that
-// returns a status throws.
+// gets the engine that it works on. So a state can be entered when memory is short.
+// Errors: no operation that returns a status throws.
 class CarmaContext {
  public:
   using Engine = CarmaAssociationAlgorithm;

@@ -17,8 +17,8 @@
 //
 // A decrease opens a chunk, so ceilings never rise from one chunk to the next. The average of equal and
 // decreasing thresholds is kept as a running mean, and computed anew from the chunks when a threshold rises.
-// Cost: add() O(1) amortized over thresholds that do not rise, else O(chunks raised). Memory: 24 bytes a
-// chunk.
+// Cost: add() O(1) amortized over thresholds that do not rise, else O(chunks raised). Memory: 24 bytes
+// a chunk.
 class CeilArray {
  public:
   // Prepared for a number of chunks; more are handled too. A number below 1 is as good as 1.

@@ -21,13 +21,11 @@ class KORASSOC_EXPORT DictionarySettings {
   // make up themselves, in the temporary directory and new for every object. Setting copies the name; null
   // makes up a new path, and the pointer that GetSpillFileName() gave changes nothing.
   void SetSpillFileName(const char* name);
-  const char* GetSpillFileName() const {
-    return spillFileName_.c_str();
-  }  // valid until it is set or read anew
+  // What GetSpillFileName() gives is valid until the name is set or read anew.
+  const char* GetSpillFileName() const { return spillFileName_.c_str(); }
 
   // Whether the name was chosen by a host. A made-up name counts as none, wherever it was read from: the
-  // spill store then makes a new file of its own, so that two engines restored from one state never share a
-  // file.
+  // spill store then makes a new file of its own, so that engines restored from one state do not share it.
   bool HasSpillFileName() const { return spillFileNameChosen_; }
 
   // Scratch itemsets kept for look-ups: sets of fewer items are looked up without allocation. Default 10.
@@ -41,8 +39,8 @@ class KORASSOC_EXPORT DictionarySettings {
   // Buckets of an antecedent table of rule creation: always 89 unless a saved record says otherwise.
   int GetInitialBoundarySize() const { return initialBoundarySize_; }
 
-  // Buckets of the tables of one, four and five items; half and a quarter of it serve six to eight. Default
-  // 2879.
+  // Buckets of the tables of one, four and five items; half and a quarter of it for six to eight.
+  // Default 2879.
   int GetInitialBoundarySearchSize() const { return initialBoundarySearchSize_; }
   void SetInitialBoundarySearchSize(int buckets) { initialBoundarySearchSize_ = buckets; }
 
