@@ -1,5 +1,6 @@
 #include "korassoc/engine/CarmaAssociationAlgorithm.h"
 
+#include <functional>
 #include <iostream>
 #include <stdexcept>
 #include <utility>
@@ -25,10 +26,8 @@ CarmaAssociationAlgorithm::CarmaAssociationAlgorithm(CarmaSettings* settings, Mu
     : settings_(settings), iterator_(iterator), state_(&PhaseIContext::instance()) {
   const bool made = completes([this] {
     if (settings_ == nullptr) throw std::invalid_argument("no settings");
-    ceilings_ = std::make_unique<CeilArray>(settings_->GetMaxNumSigmaChunks());
-    dictionary_ = std::make_unique<SetDictionary>(settings_->GetMaxLengthSet(),
-                                                  &settings_->GetDictionarySettings(), true);
-    core_ = std::make_unique<CarmaCore>(settings_->GetMaxLengthSet(), settings_->GetMaxTranLength());
+    makeDictionary();
+    makeCounters();
     auto emptySet = std::make_unique<CarmaSetDescriptor>(0, 0, 0);
     if (dictionary_->addEmptySet(emptySet.get())) emptySet.release();
   });
@@ -88,6 +87,12 @@ KorStatus CarmaAssociationAlgorithm::RunNullPhaseII(double fraction) {
   return currentStatus_;
 }
 
+// A copy of a query with many arguments would take memory, and where it is made nothing is caught.
+template <typename Query>
+KorStatus CarmaAssociationAlgorithm::ask(Operation operation, const Query& query) {
+  return state_->Ask(*this, operation, std::cref(query));
+}
+
 KorStatus CarmaAssociationAlgorithm::CreateNgetRules(double minSupport, double minConfidence,
                                                      std::vector<AssociationRule>& rules) {
   return ask(Operation::CreateNgetRules, [&](SetDictionary& dictionary) {
@@ -134,9 +139,8 @@ SemiLattice* CarmaAssociationAlgorithm::GetLattice() { return state_->GetLattice
 
 KorStatus CarmaAssociationAlgorithm::ExportLatticeXML(std::ostream& out) {
   const double averageSupport = AverageSupport();
-  return ask(Operation::ExportLatticeXML, [&](SetDictionary& dictionary) {
-    return dictionary.exportLatticeXML(out, averageSupport);
-  });
+  return ask(Operation::ExportLatticeXML,
+             [&](SetDictionary& dictionary) { return dictionary.exportLatticeXML(out, averageSupport); });
 }
 
 KorStatus CarmaAssociationAlgorithm::GetStatus() const { return currentStatus_; }
@@ -181,11 +185,6 @@ CarmaAssociationAlgorithm::Running::~Running() {
 KorStatus CarmaAssociationAlgorithm::setStatus(const KorStatus& status) {
   currentStatus_ = status;
   return currentStatus_;
-}
-
-KorStatus CarmaAssociationAlgorithm::ask(Operation operation,
-                                         const std::function<KorStatus(SetDictionary&)>& query) {
-  return state_->Ask(*this, operation, query);
 }
 
 void CarmaAssociationAlgorithm::doCancel() {

@@ -11,18 +11,18 @@
 #include <vector>
 
 #include "korassoc/base/Export.h"
+#include "korassoc/dictionary/SemiLattice.h"
 #include "korassoc/engine/KorStatus.h"
+#include "korassoc/rules/AssociationRule.h"
+#include "korassoc/rules/ConsequentDescriptor.h"
 
-class AssociationRule;
 class CarmaContext;
 class CarmaCore;
 class CarmaSettings;
 class CeilArray;
-class ConsequentDescriptor;
 class ItemSet;
 class MultiPassTransIter;
 class ProgressListener;
-class SemiLattice;
 class SetDictionary;
 class SupportSource;
 
@@ -31,31 +31,33 @@ enum class Operation;
 }
 
 // A run: install a support source in the settings and construct; RunPhaseI once or several times; RunPhaseII
-// (or one of its two variants); then any number of queries and exports. SaveState works between two calls of
-// RunPhaseI, SaveStateXML also after phase II.
+// (or one of its variants); then any number of queries and exports.
 //
-//   constructed --> phase I --RunPhaseII, ...--> phase II            Cancel leads from either to a cancelled
-//   engine,
-//                   RunPhaseI, SaveState         queries, exports    a failed construction to an unusable
-//                   one.
+//   phase I      RunPhaseI, SaveState, SaveStateXML
+//      |         RunPhaseII, RunPhaseIIrandom, RunNullPhaseII, RunPhaseIIcomplete
+//   phase II     queries, exports, SaveStateXML, RunPhaseII and RunPhaseIIrandom again
 //
-// Each operation is carried out or refused by the state that the engine is in; a refusal is a status too:
-//   4 saving is not possible now, 5 the engine is unusable, 6 not permitted in this state, 1 the engine is
-//   cancelled.
+// Cancel leads from either to a cancelled engine, a failed construction to an unusable one. Each operation is
+// carried out or refused by the state that the engine is in; a refusal is a status too: code 4, saving is not
+// possible now; 5, the engine is unusable; 6, not permitted in this state; 1, the engine is cancelled.
 //
 // Supports and confidences are fractions from 0 to 1, lengths are numbers of items.
 // Ownership: settings and iterator stay the host's and must outlive the engine; settings read from a saved
-// state are
-//   the engine's own. What the host's callbacks are given dies with the call.
+//   state are the engine's own. What the host's callbacks are given dies with the call.
 // Errors: no operation that returns a status lets an exception out, nor does a constructor; what a callback
-// of the
-//   host throws becomes a status like any failure of the library.
+//   of the host throws becomes a status like any failure of the library.
 // Threads: all work runs on the caller's thread. Cancel alone may be called while another operation runs.
 class KORASSOC_EXPORT CarmaAssociationAlgorithm {
  public:
-  // An engine ready for phase I. Null settings, or an exception, leave it unusable: GetStatus tells code 5,
-  // error.
+  // An engine ready for phase I. Null settings, or an exception, leave it unusable: GetStatus() tells code
+  // 5, error.
   CarmaAssociationAlgorithm(CarmaSettings* settings, MultiPassTransIter* iterator);
+
+  // An engine that goes on from a saved state, binary or XML: in phase II when the state holds a lattice,
+  // else in phase I. What is no complete state leaves the engine unusable, as above; lines about it go to the
+  // standard streams. A state without its ceilings counts as complete in binary.
+  CarmaAssociationAlgorithm(std::fstream& state, MultiPassTransIter* iterator);
+  CarmaAssociationAlgorithm(std::ifstream& state, MultiPassTransIter* iterator);
 
   ~CarmaAssociationAlgorithm();
   CarmaAssociationAlgorithm(const CarmaAssociationAlgorithm&) = delete;
@@ -85,8 +87,8 @@ class KORASSOC_EXPORT CarmaAssociationAlgorithm {
   KorAssoc::KorStatus RunPhaseI(int transactions);
 
   // Closes phase I if it is open, reads the same transactions again and builds the lattice from exact counts.
-  // Code 2, error: the iterator could not restart. Code 3, error: more sets are stored than the settings
-  // allow.
+  // Code 2, error: the iterator could not restart. Code 3, error: more sets are stored than the
+  // settings allow.
   KorAssoc::KorStatus RunPhaseII();
 
   // The same for an iterator that delivers its second pass in another order. It counts the one-item sets
@@ -186,6 +188,23 @@ class KORASSOC_EXPORT CarmaAssociationAlgorithm {
 
   void changeState(const CarmaContext& state) { state_ = &state; }
 
+  // Makes what settings_ asks for.
+  void makeDictionary();
+  void makeCounters();
+
+  // Reads a state with settings of the engine's own; an exception leaves the engine unusable.
+  void restore(const std::function<void()>& read);
+  void readRecord(std::fstream& stream);
+  void readRecordXML(std::ifstream& stream);
+
+  // Write the state while the engine is in the state of a save. Whatever fails, the stream included, ends in
+  // code 2, error, and a line to standard output.
+  KorAssoc::KorStatus doSave(std::fstream& stream);
+  KorAssoc::KorStatus doSaveXML(std::ostream& stream);
+  KorAssoc::KorStatus save(std::ostream& stream, const char* failure, const std::function<void()>& write);
+  void writeRecord(std::fstream& stream) const;
+  void writeRecordXML(std::ostream& stream) const;
+
   // Makes status the engine's own and returns it.
   KorAssoc::KorStatus setStatus(const KorAssoc::KorStatus& status);
 
@@ -195,8 +214,9 @@ class KORASSOC_EXPORT CarmaAssociationAlgorithm {
   // Gives up everything; the engine is unusable from then on.
   void failRestart();
 
-  KorAssoc::KorStatus ask(korassoc::detail::Operation operation,
-                          const std::function<KorAssoc::KorStatus(SetDictionary&)>& query);
+  // Hands a question to the state, by reference.
+  template <typename Query>
+  KorAssoc::KorStatus ask(korassoc::detail::Operation operation, const Query& query);
 
   std::unique_ptr<CarmaSettings> ownSettings_;  // only when they came from a saved state
   CarmaSettings* settings_;

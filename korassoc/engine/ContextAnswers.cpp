@@ -23,8 +23,8 @@ struct Row {
 constexpr std::array<Row, kOperations> kAnswers{{
     // operation                        Base      PhaseI   PhaseII  Save     Cancelled  FailedRestart
     {Operation::Cancel,               {{W(6),     does,    does,    does,    nothing,   does}}},
-    {Operation::SaveState,            {{W(4),     base,    base,    E(4),    E(4),      E(5)}}},
-    {Operation::SaveStateXML,         {{W(4),     base,    base,    E(4),    E(4),      E(5)}}},
+    {Operation::SaveState,            {{W(4),     does,    base,    E(4),    E(4),      E(5)}}},
+    {Operation::SaveStateXML,         {{W(4),     does,    does,    E(4),    E(4),      E(5)}}},
     {Operation::SetProgressListener,  {{does,     base,    base,    base,    cancels,   E(5)}}},
     {Operation::AverageSupport,       {{nothing,  does,    does,    does,    nothing,   nothing}}},
     {Operation::SetSupportSource,     {{does,     base,    nothing, W(6),    cancels,   E(5)}}},

@@ -43,6 +43,14 @@ const PhaseIContext& PhaseIContext::instance() {
   return instance;
 }
 
+KorStatus PhaseIContext::SaveState(Engine& engine, std::fstream& stream) const {
+  return engine.phaseIResumable_ ? engine.doSave(stream) : engine.setStatus(KorStatus(4, true));
+}
+
+KorStatus PhaseIContext::SaveStateXML(Engine& engine, std::ostream& stream) const {
+  return engine.phaseIResumable_ ? engine.doSaveXML(stream) : engine.setStatus(KorStatus(4, true));
+}
+
 void PhaseIContext::SetMaxInStoreSets(Engine& engine, int sets) const {
   CarmaContext::SetMaxInStoreSets(engine, sets);
   engine.dictionary_->setMaxInStoreSets(sets);

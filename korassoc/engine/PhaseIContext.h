@@ -8,6 +8,10 @@ class PhaseIContext : public CarmaContext {
  public:
   static const PhaseIContext& instance();
 
+  // Only between two calls of RunPhaseI, the last of which was good.
+  KorAssoc::KorStatus SaveState(Engine& engine, std::fstream& stream) const override;
+  KorAssoc::KorStatus SaveStateXML(Engine& engine, std::ostream& stream) const override;
+
   void SetMaxInStoreSets(Engine& engine, int sets) const override;
 
   // Reads at most transactions transactions: takes in the support that holds at each, lets the core count it,

@@ -127,6 +127,10 @@ KorStatus PhaseIIContext::countCompletely(Engine& engine, double minSupport) con
   return KorStatus();
 }
 
+KorStatus PhaseIIContext::SaveStateXML(Engine& engine, std::ostream& stream) const {
+  return engine.doSaveXML(stream);  // what is not OK is code 2, error, here as there
+}
+
 KorStatus PhaseIIContext::RunNullPhaseII(Engine& engine, double fraction) const {
   KorStatus result;
   const bool done = completes([&] {

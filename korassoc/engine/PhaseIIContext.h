@@ -8,6 +8,7 @@ class PhaseIIContext : public CarmaContext {
  public:
   static const PhaseIIContext& instance();
 
+  KorAssoc::KorStatus SaveStateXML(Engine& engine, std::ostream& stream) const override;
   KorAssoc::KorStatus RunNullPhaseII(Engine& engine, double fraction) const override;
   KorAssoc::KorStatus RunPhaseII(Engine& engine) const override;
   KorAssoc::KorStatus RunPhaseIIrandom(Engine& engine) const override;

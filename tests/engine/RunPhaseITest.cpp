@@ -366,3 +366,16 @@ TEST(RunPhaseI, EndsWhenTheListenerHasLedTheEngineOn) {
   EXPECT_NE(run.engine->GetLattice(), nullptr);
   EXPECT_EQ(run.source.position(), 20);
 }
+
+TEST(RunPhaseI, DoesNotCountATransactionWhoseSupportLedTheEngineOn) {
+  EngineHost run(repeated({1}, 10));
+  run.support([&](int transaction) {
+    if (transaction == 3) run.engine->RunNullPhaseII(0.0);
+    return 0.5;
+  });
+  EXPECT_EQ(shortForm(run.engine->RunPhaseI(10)), "OK");
+  EXPECT_EQ(run.engine->NumberOfTransactions(), 0)
+      << "phase II began with what earlier calls had counted: nothing";
+  EXPECT_EQ(run.source.position(), 3);
+  EXPECT_TRUE(run.engine->IsLatticeBuilt());
+}

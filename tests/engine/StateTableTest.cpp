@@ -13,6 +13,7 @@
 #include <string>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "korassoc/engine/CarmaCancelContext.h"
 #include "korassoc/engine/CarmaFailedRestartContext.h"
@@ -107,7 +108,7 @@ const Row kRows[] = {
        std::ostringstream stream;
        return described(subject, state.SaveStateXML(*subject.engine, stream));
      },
-     {"W4", "W4", "W4", "E4", "E4", "E5"}},
+     {"W4", "W4", "OK", "E4", "E4", "E5"}},
     {"SetProgressListener",
      [](Subject& subject, const CarmaContext& state) {
        auto listener = std::make_unique<TestListener>(nullptr);
@@ -247,6 +248,18 @@ TEST(Facade, HandsEachOperationToTheState) {
   EXPECT_EQ(described(cancelled, engine.RunNullPhaseII(0.0)), "E1");
   EXPECT_EQ(engine.GetLattice(), nullptr);
   EXPECT_EQ(engine.AverageSupport(), 0.0);
+  std::vector<AssociationRule> rules;
+  std::vector<ConsequentDescriptor> items;
+  EXPECT_EQ(described(cancelled, engine.CreateNgetRules(0.5, 0.5, rules)), "E1");
+  EXPECT_EQ(described(cancelled, engine.GetRulesSpecial(0, 1, 0, 1, 0, 'C', nullptr, nullptr, 0, 9, nullptr,
+                                                        nullptr, 0, 9, 9, false, rules)),
+            "E1");
+  EXPECT_EQ(described(cancelled,
+                      engine.GetItemsSpecial(0, 1, 0, 1, 0, 'C', nullptr, nullptr, 0, 9, nullptr, 9, items)),
+            "W6");
+  EXPECT_EQ(described(cancelled, engine.GetItems(nullptr, 9, items)), "W6");
+  EXPECT_EQ(described(cancelled, engine.ExportLatticeXML(text)), "W1");
+  EXPECT_EQ(text.str(), "");
   Subject failed(5);
   EXPECT_EQ(described(failed, failed.engine->RunPhaseI(1)), "E5");
   EXPECT_EQ(described(failed, failed.engine->RunPhaseII()), "E5");
