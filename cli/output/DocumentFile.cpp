@@ -1,0 +1,184 @@
+#include "cli/output/DocumentFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <ostream>
+#include <random>
+#include <utility>
+
+#include "cli/CliError.h"
+#include "cli/Printable.h"
+#include "cli/output/FileSink.h"
+
+#if !defined(_WIN32)
+#include <unistd.h>
+#endif
+
+namespace korassoc::cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kMostLinks = 40;
+constexpr int kAttempts = 8;
+
+// Where a path leads, also when nothing is there yet.
+fs::path followed(fs::path path) {
+  std::error_code error;
+  for (int links = 0; links < kMostLinks && fs::is_symlink(fs::symlink_status(path, error)); ++links) {
+    const fs::path next = fs::read_symlink(path, error);
+    if (error) break;
+    path = path.parent_path() / next;  // an absolute next stands for itself
+  }
+  return path;
+}
+
+fs::path folderOf(const fs::path& path) {
+  const fs::path folder = path.parent_path();
+  return folder.empty() ? fs::path(".") : folder;
+}
+
+std::string randomDigits() {
+  static constexpr char kDigits[] = "0123456789abcdef";
+  std::random_device random;
+  std::string digits;
+  for (int word = 0; word < 4; ++word) {
+    unsigned int bits = random();
+    for (int digit = 0; digit < 8; ++digit, bits >>= 4) digits += kDigits[bits & 15U];
+  }
+  return digits;
+}
+
+#if defined(_WIN32)
+bool mayReplace(const fs::path&) { return true; }
+bool isStandardOutput(const fs::path&) { return false; }
+#else
+// The folder alone decides about renaming; a file that is protected from writing is not to be replaced
+// either.
+bool mayReplace(const fs::path& file) { return ::faccessat(AT_FDCWD, file.c_str(), W_OK, AT_EACCESS) == 0; }
+
+bool isStandardOutput(const fs::path& file) {
+  struct stat there {};
+  struct stat standard {};
+  return ::stat(file.c_str(), &there) == 0 && ::fstat(STDOUT_FILENO, &standard) == 0 &&
+         there.st_dev == standard.st_dev && there.st_ino == standard.st_ino;
+}
+#endif
+
+// A new file beside the target, which is removed unless it is moved there.
+class NewFile {
+ public:
+  explicit NewFile(const fs::path& target) : target_(target) {
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+      path_ = folderOf(target) / (".korassoc-" + randomDigits() + ".tmp");
+      sink_ = FileSink::createNew(path_.string());
+      error_ = sink_ == nullptr ? errno : 0;
+      if (error_ != EEXIST) return;
+    }
+  }
+  NewFile(const NewFile&) = delete;
+  NewFile& operator=(const NewFile&) = delete;
+  ~NewFile() {
+    if (sink_ == nullptr || moved_) return;
+    sink_.reset();
+    std::error_code ignored;
+    fs::remove(path_, ignored);
+  }
+
+  // The errno of what failed, 0 when nothing did.
+  int error() const { return error_; }
+  FileSink& sink() { return *sink_; }
+
+  // Takes over the permissions of the file that it is going to replace, if there is one.
+  void takePermissions() {
+    std::error_code error;
+    const fs::file_status before = fs::status(target_, error);
+    if (error || !fs::exists(before)) return;
+    fs::permissions(path_, before.permissions(), error);
+    if (error) error_ = error.value();
+  }
+
+  void moveIntoPlace() {
+    std::error_code error;
+    fs::rename(path_, target_, error);
+    error_ = error.value();
+    moved_ = !error;
+  }
+
+ private:
+  fs::path target_;
+  fs::path path_;
+  std::unique_ptr<FileSink> sink_;
+  int error_ = 0;
+  bool moved_ = false;
+};
+
+}  // namespace
+
+DocumentFile::DocumentFile(const std::string& path) : name_(printable(path)) {
+  if (path.empty()) throw CliError(ExitCode::kUsage, "the name of the file to write is empty");
+  std::error_code error;
+  const fs::file_status there = fs::status(path, error);
+  if (fs::is_directory(there)) fail(EISDIR);
+  direct_ = fs::exists(there) && !fs::is_regular_file(there);
+  target_ = direct_ ? fs::path(path) : followed(path);
+  if (direct_) return;
+  if (target_.filename().empty()) fail(ENOENT);
+  if (fs::exists(there)) {
+    if (isStandardOutput(target_)) {
+      throw CliError(ExitCode::kUsage,
+                     name_ + ": is where standard output goes; give the document another file");
+    }
+    if (!mayReplace(target_)) fail(EACCES);
+  }
+  const NewFile trial(target_);
+  if (trial.error() != 0) fail(trial.error());
+}
+
+void DocumentFile::write(const Writer& writer) const {
+  direct_ ? writeDirectly(writer) : replaceTarget(writer);
+}
+
+bool DocumentFile::isSameAs(const fs::path& path) const {
+  std::error_code error;
+  if (fs::equivalent(target_, path, error)) return true;
+  const fs::path here = fs::weakly_canonical(target_, error);
+  if (error) return false;
+  const fs::path there = fs::weakly_canonical(path, error);
+  return !error && here == there;
+}
+
+void DocumentFile::replaceTarget(const Writer& writer) const {
+  NewFile file(target_);
+  if (file.error() != 0) fail(file.error());
+  std::ostream out(&file.sink());
+  writer(out);
+  if (!file.sink().finish()) fail(file.sink().error());
+  if (!out.good()) fail(EIO);
+  file.takePermissions();
+  if (file.error() != 0) fail(file.error());
+  file.moveIntoPlace();
+  if (file.error() != 0) fail(file.error());
+  FileSink::syncFolder(folderOf(target_).string());  // the document is in place whatever comes of it
+}
+
+void DocumentFile::writeDirectly(const Writer& writer) const {
+  const std::unique_ptr<FileSink> sink = FileSink::openExisting(target_.string());
+  if (sink == nullptr) fail(errno);
+  std::ostream out(sink.get());
+  writer(out);
+  if (!sink->finish()) fail(sink->error());
+  if (!out.good()) fail(EIO);
+}
+
+void DocumentFile::fail(int error) const {
+  throw CliError(ExitCode::kRunFailed,
+                 name_ + ": cannot be written: " + std::strerror(error) +
+                     (direct_ ? "; the document is not complete" : "; nothing was changed"));
+}
+
+}  // namespace korassoc::cli

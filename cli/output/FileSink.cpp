@@ -1,0 +1,161 @@
+#include "cli/output/FileSink.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+
+#if defined(_WIN32)
+#include <io.h>
+#include <share.h>
+#else
+#include <unistd.h>
+#endif
+
+namespace korassoc::cli {
+namespace {
+
+constexpr std::size_t kBlockBytes = std::size_t{1} << 16;
+constexpr std::size_t kMostAtOnce = std::size_t{1} << 30;
+
+// The few calls that are named differently, or take other types, on Windows.
+#if defined(_WIN32)
+constexpr int kNewFile = _O_WRONLY | _O_BINARY | _O_NOINHERIT | _O_CREAT | _O_EXCL;
+constexpr int kOldFile = _O_WRONLY | _O_BINARY | _O_NOINHERIT;
+int openFile(const char* path, int flags) {
+  int descriptor = -1;
+  errno = ::_sopen_s(&descriptor, path, flags, _SH_DENYNO, _S_IREAD | _S_IWRITE);
+  return descriptor;
+}
+long writeSome(int descriptor, const char* bytes, std::size_t count) {
+  return ::_write(descriptor, bytes, static_cast<unsigned int>(count));
+}
+int syncFile(int descriptor) { return ::_commit(descriptor); }
+int closeFile(int descriptor) { return ::_close(descriptor); }
+void syncNames(const char*) {}
+class FileSizeSignalOff {};
+#else
+constexpr int kNewFile = O_WRONLY | O_CLOEXEC | O_NOCTTY | O_CREAT | O_EXCL;
+constexpr int kOldFile = O_WRONLY | O_CLOEXEC | O_NOCTTY;
+int openFile(const char* path, int flags) {
+  int descriptor = -1;
+  do {
+    descriptor = ::open(path, flags, S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH);
+  } while (descriptor < 0 && errno == EINTR);
+  return descriptor;
+}
+long writeSome(int descriptor, const char* bytes, std::size_t count) {
+  return static_cast<long>(::write(descriptor, bytes, count));
+}
+int syncFile(int descriptor) {
+  int result = -1;
+  do {
+    result = ::fsync(descriptor);
+  } while (result != 0 && errno == EINTR);
+  return result;
+}
+int closeFile(int descriptor) { return ::close(descriptor); }
+void syncNames(const char* folder) {
+  const int descriptor = ::open(folder, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (descriptor < 0) return;
+  static_cast<void>(syncFile(descriptor));
+  closeFile(descriptor);
+}
+
+// While one lives, a file that grows beyond the limit of the process is an error and not the process's end.
+class FileSizeSignalOff {
+ public:
+  FileSizeSignalOff() : before_(std::signal(SIGXFSZ, SIG_IGN)) {}
+  ~FileSizeSignalOff() {
+    if (before_ != SIG_ERR) std::signal(SIGXFSZ, before_);
+  }
+  FileSizeSignalOff(const FileSizeSignalOff&) = delete;
+  FileSizeSignalOff& operator=(const FileSizeSignalOff&) = delete;
+
+ private:
+  void (*before_)(int);
+};
+#endif
+
+// Devices and pipes have no disk to wait for.
+bool meansNothingToSync(int error) { return error == EINVAL || error == ENOTSUP || error == EROFS; }
+
+}  // namespace
+
+std::unique_ptr<FileSink> FileSink::createNew(const std::string& path) {
+  return over(openFile(path.c_str(), kNewFile));
+}
+
+std::unique_ptr<FileSink> FileSink::openExisting(const std::string& path) {
+  return over(openFile(path.c_str(), kOldFile));
+}
+
+std::unique_ptr<FileSink> FileSink::over(int descriptor) {
+  if (descriptor < 0) return nullptr;
+  return std::unique_ptr<FileSink>(new FileSink(descriptor));
+}
+
+void FileSink::syncFolder(const std::string& path) { syncNames(path.c_str()); }
+
+FileSink::FileSink(int descriptor) : descriptor_(descriptor), block_(kBlockBytes) {
+  setp(block_.data(), block_.data() + block_.size());
+}
+
+FileSink::~FileSink() {
+  if (descriptor_ >= 0) closeFile(descriptor_);
+}
+
+bool FileSink::finish() {
+  if (descriptor_ < 0) return error_ == 0;
+  if (flush() && syncFile(descriptor_) != 0 && !meansNothingToSync(errno)) error_ = errno;
+  if (closeFile(descriptor_) != 0 && error_ == 0) error_ = errno;
+  descriptor_ = -1;
+  return error_ == 0;
+}
+
+FileSink::int_type FileSink::overflow(int_type c) {
+  if (!flush()) return traits_type::eof();
+  if (traits_type::eq_int_type(c, traits_type::eof())) return traits_type::not_eof(c);
+  return sputc(traits_type::to_char_type(c));
+}
+
+std::streamsize FileSink::xsputn(const char* text, std::streamsize count) {
+  std::streamsize done = 0;
+  while (done < count) {
+    if (pptr() == epptr() && !flush()) break;
+    const std::streamsize piece = std::min<std::streamsize>(count - done, epptr() - pptr());
+    std::memcpy(pptr(), text + done, static_cast<std::size_t>(piece));
+    pbump(static_cast<int>(piece));
+    done += piece;
+  }
+  return done;
+}
+
+int FileSink::sync() { return flush() ? 0 : -1; }
+
+bool FileSink::flush() {
+  if (descriptor_ < 0 || error_ != 0) return false;
+  if (!put(pbase(), static_cast<std::size_t>(pptr() - pbase()))) return false;
+  setp(block_.data(), block_.data() + block_.size());
+  return true;
+}
+
+bool FileSink::put(const char* bytes, std::size_t count) {
+  [[maybe_unused]] const FileSizeSignalOff off;
+  while (count > 0) {
+    const long written = writeSome(descriptor_, bytes, std::min(count, kMostAtOnce));
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) {
+      error_ = written < 0 ? errno : EIO;
+      return false;
+    }
+    bytes += written;
+    count -= static_cast<std::size_t>(written);
+  }
+  return true;
+}
+
+}  // namespace korassoc::cli

@@ -1,0 +1,54 @@
+// An open file as the end of a stream, with every write checked.
+
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <streambuf>
+#include <string>
+#include <vector>
+
+namespace korassoc::cli {
+
+// FileSink hands what a stream writes to the system in large blocks. The first failure is kept: nothing is
+// written after it, and the stream goes bad.
+class FileSink : public std::streambuf {
+ public:
+  // A new file, which must not exist yet, with the permissions that a new file usually gets. Null, with errno
+  // set, when it cannot be made.
+  static std::unique_ptr<FileSink> createNew(const std::string& path);
+  // Something that exists and is not a file of its own, such as a device. Null, with errno set, when it
+  // cannot be opened.
+  static std::unique_ptr<FileSink> openExisting(const std::string& path);
+
+  // Makes the names in a folder survive a loss of power, as far as the system can.
+  static void syncFolder(const std::string& path);
+
+  FileSink(const FileSink&) = delete;
+  FileSink& operator=(const FileSink&) = delete;
+  // Closes. What was not finished may be missing.
+  ~FileSink() override;
+
+  // Writes what is left, waits until the system has it on the disk, and closes. False when this or anything
+  // before it failed.
+  bool finish();
+  // The errno of the first failure, 0 when there is none.
+  int error() const { return error_; }
+
+ protected:
+  int_type overflow(int_type c) override;
+  std::streamsize xsputn(const char* text, std::streamsize count) override;
+  int sync() override;
+
+ private:
+  explicit FileSink(int descriptor);
+  static std::unique_ptr<FileSink> over(int descriptor);
+  bool flush();
+  bool put(const char* bytes, std::size_t count);
+
+  int descriptor_;  // -1 when closed
+  int error_ = 0;
+  std::vector<char> block_;  // what pptr() points into
+};
+
+}  // namespace korassoc::cli
