@@ -65,6 +65,11 @@ class KORASSOC_EXPORT SemiLattice {
   virtual int getSizeAboveLevel(int level) const = 0;
   // Writes every set and its count to standard output, level by level and bucket by bucket.
   virtual void display() const = 0;
+  // Writes the rules that createRules() makes of the two thresholds, without the redundant ones when
+  // nonRedundant is set, as a PMML document. When they cannot be made nothing is written and the answer tells
+  // why. The stream's state is the caller's to look at. listener may be null.
+  virtual KorAssoc::KorStatus exportRulesXML(std::ostream& out, double minSupport, double minConfidence,
+                                             ProgressListener* listener, bool nonRedundant) = 0;
   // Writes every stored set with its figures as a lattice document. minSupport is a remark in it and selects
   // nothing. The stream's state is the caller's to look at.
   virtual KorAssoc::KorStatus exportLatticeXML(std::ostream& out, double minSupport) = 0;

@@ -88,6 +88,8 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   int getLevelSize(int level) const override;
   int getSizeAboveLevel(int level) const override;
   void display() const override;
+  KorAssoc::KorStatus exportRulesXML(std::ostream& out, double minSupport, double minConfidence,
+                                     ProgressListener* listener, bool nonRedundant) override;
   KorAssoc::KorStatus exportLatticeXML(std::ostream& out, double minSupport) override;
   SemiLattice* filteredCopy(double minFraction) override;
   SemiLattice* filteredCopy(double minFraction, const ItemSet& leaveOut) override;

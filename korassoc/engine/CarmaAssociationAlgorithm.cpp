@@ -137,6 +137,14 @@ KorStatus CarmaAssociationAlgorithm::GetItems(ItemSet* antecedent, int maxItems,
 
 SemiLattice* CarmaAssociationAlgorithm::GetLattice() { return state_->GetLattice(*this); }
 
+KorStatus CarmaAssociationAlgorithm::ExportRulesXML(std::ostream& out, double minSupport,
+                                                    double minConfidence, bool nonRedundant) {
+  return ask(Operation::ExportRulesXML, [&](SetDictionary& dictionary) {
+    return dictionary.exportRulesXML(out, minSupport, minConfidence, settings_->GetProgressListener(),
+                                     nonRedundant);
+  });
+}
+
 KorStatus CarmaAssociationAlgorithm::ExportLatticeXML(std::ostream& out) {
   const double averageSupport = AverageSupport();
   return ask(Operation::ExportLatticeXML,

@@ -129,6 +129,12 @@ class KORASSOC_EXPORT CarmaAssociationAlgorithm {
   // The lattice, owned by the engine; null outside phase II.
   SemiLattice* GetLattice();
 
+  // Writes the rules that reach both thresholds as a PMML document: those of CreateNgetRules when
+  // nonRedundant is set, otherwise the redundant ones too. When they cannot be made nothing is written. The
+  // stream's state is the caller's to look at.
+  KorAssoc::KorStatus ExportRulesXML(std::ostream& out, double minSupport, double minConfidence,
+                                     bool nonRedundant);
+
   // Writes every stored set as a document, with the average support as a remark in it. The stream's state is
   // the caller's to look at.
   KorAssoc::KorStatus ExportLatticeXML(std::ostream& out);

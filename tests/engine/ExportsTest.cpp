@@ -6,6 +6,7 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "korassoc/engine/CarmaAssociationAlgorithm.h"
 #include "korassoc/engine/CarmaSettings.h"
@@ -18,6 +19,8 @@
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::Not;
 
 // An engine over the transactions of the small model, with tables of the small model's sizes. One transaction
 // is enough to stay in the model, so it keeps all that phase I comes to know.
@@ -46,6 +49,70 @@ TEST_F(Exports, TheLatticeOfTheSmallModelIsTheDocumentWrittenByHand) {
   EXPECT_EQ(out.str(), expectedDocument("lattice.xml"));
 }
 
+TEST_F(Exports, AllRulesOfTheSmallModelAreTheDocumentWrittenByHand) {
+  run();
+  std::ostringstream out;
+  EXPECT_TRUE(engine_->ExportRulesXML(out, 0.15, 0.5, false).IsOK());
+  EXPECT_EQ(out.str(), expectedDocument("rules.xml"));
+}
+
+TEST_F(Exports, TheNonredundantRulesOfTheSmallModelHaveMinimalAntecedentsAndLargestConsequents) {
+  run();
+  std::ostringstream out;
+  EXPECT_TRUE(engine_->ExportRulesXML(out, 0.15, 0.5, true).IsOK());
+  // {} => 5, 2 => 5, {} => 2, 5 => 2, 2 => 8, 8 => 2 5, 2 5 => 8; the itemsets are {}, 2, 5, 8, 2 5.
+  EXPECT_THAT(values(out.str(), "Header", "description"),
+              ElementsAre("Carma model for nonredundant association rules"));
+  EXPECT_THAT(values(out.str(), "AssociationModel", "numberOfRules"), ElementsAre("7"));
+  EXPECT_THAT(values(out.str(), "AssociationModel", "numberOfItemsets"), ElementsAre("5"));
+  EXPECT_THAT(values(out.str(), "AssociationRule", "antecedent"),
+              ElementsAre("1", "2", "1", "3", "2", "4", "5"));
+  EXPECT_THAT(values(out.str(), "AssociationRule", "consequent"),
+              ElementsAre("3", "3", "2", "2", "4", "5", "4"));
+}
+
+TEST_F(Exports, RulesThatNothingReachesAreADocumentWithoutRules) {
+  run();
+  std::ostringstream out;
+  EXPECT_TRUE(engine_->ExportRulesXML(out, 0.15, 0.9, false).IsOK());
+  EXPECT_THAT(values(out.str(), "AssociationModel", "numberOfItems"), ElementsAre("0"));
+  EXPECT_THAT(values(out.str(), "AssociationModel", "numberOfItemsets"), ElementsAre("0"));
+  EXPECT_THAT(values(out.str(), "AssociationModel", "numberOfRules"), ElementsAre("0"));
+  EXPECT_THAT(out.str(), Not(HasSubstr("<Item")));
+  EXPECT_THAT(out.str(), Not(HasSubstr("<AssociationRule")));
+}
+
+TEST_F(Exports, WithoutItemsetsThereAreNoRulesAndNothingIsWritten) {
+  ASSERT_TRUE(engine_->RunPhaseII().IsOK());
+  std::ostringstream out;
+  EXPECT_EQ(shortForm(engine_->ExportRulesXML(out, 0.15, 0.5, false)), "W40002");
+  EXPECT_EQ(out.str(), "");
+}
+
+TEST_F(Exports, RulesOfPhaseIAreRefusedAndNothingWritten) {
+  std::ostringstream out;
+  EXPECT_EQ(shortForm(engine_->ExportRulesXML(out, 0.15, 0.5, false)), "W6");
+  EXPECT_EQ(out.str(), "");
+}
+
+TEST_F(Exports, RulesTellTheListenerOfTheirProgress) {
+  run();
+  std::vector<int> totals;
+  engine_->SetProgressListener(
+      new TestListener([&](ProgressReport& report) { totals.push_back(report.GetIntValue("setTotal")); }));
+  std::ostringstream out;
+  EXPECT_TRUE(engine_->ExportRulesXML(out, 0.15, 0.5, false).IsOK());
+  EXPECT_THAT(totals, ElementsAre(9, 9));  // at the first of the nine sets and at the end
+}
+
+TEST_F(Exports, RulesCancelledWhileTheyAreMadeAreNotWritten) {
+  run();
+  engine_->SetProgressListener(new TestListener([this](ProgressReport&) { engine_->Cancel(); }));
+  std::ostringstream out;
+  EXPECT_EQ(shortForm(engine_->ExportRulesXML(out, 0.15, 0.5, false)), "E1");
+  EXPECT_EQ(out.str(), "");
+}
+
 TEST_F(Exports, TheLatticeCarriesTheAverageSupport) {
   // Six times 0.4 and six times 0.1: the average of the ceilings is 0.25.
   engine_->SetSupportSource(new TestSupport([](int transaction) { return transaction <= 6 ? 0.4 : 0.1; }));
@@ -70,13 +137,14 @@ TEST_F(Exports, ALatticeOfPhaseIIsRefusedAndNothingWritten) {
   EXPECT_EQ(out.str(), "");
 }
 
-TEST_F(Exports, ALatticeOfACancelledEngineIsRefusedAndNothingWritten) {
+TEST_F(Exports, OfACancelledEngineAreRefusedAndNothingWritten) {
   run();
   engine_->Cancel();
   std::ostringstream first;
-  EXPECT_EQ(shortForm(engine_->ExportLatticeXML(first)), "E1");
+  EXPECT_EQ(shortForm(engine_->ExportLatticeXML(first)), "E1");  // finds the cancel
   std::ostringstream second;
   EXPECT_EQ(shortForm(engine_->ExportLatticeXML(second)), "W1");
+  EXPECT_EQ(shortForm(engine_->ExportRulesXML(second, 0.15, 0.5, false)), "W1");
   EXPECT_EQ(second.str(), "");
 }
 

@@ -1,7 +1,21 @@
+// The documents that a dictionary writes of what it holds: each is put to the class that knows.
+
+#include <vector>
+
 #include "korassoc/dictionary/SetDictionary.h"
 #include "korassoc/xml/export/LatticeDocument.h"
+#include "korassoc/xml/export/RuleDocument.h"
 
 using KorAssoc::KorStatus;
+
+KorStatus SetDictionary::exportRulesXML(std::ostream& out, double minSupport, double minConfidence,
+                                        ProgressListener* listener, bool nonRedundant) {
+  std::vector<AssociationRule> rules;
+  const KorStatus status = createRules(minSupport, minConfidence, rules, listener, nonRedundant);
+  if (status.GetCode() != 0) return status;
+  korassoc::detail::RuleDocument(*this, rules, {minSupport, minConfidence, nonRedundant}).write(out);
+  return status;
+}
 
 KorStatus SetDictionary::exportLatticeXML(std::ostream& out, double minSupport) {
   korassoc::detail::LatticeDocument(*this, minSupport).write(out);

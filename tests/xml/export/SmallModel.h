@@ -12,6 +12,7 @@
 #include "korassoc/dictionary/SetDictionary.h"
 #include "korassoc/engine/DictionarySettings.h"
 #include "korassoc/itemsets/ItemSet.h"
+#include "korassoc/rules/AssociationRule.h"
 
 using Items = std::vector<int>;
 
@@ -58,6 +59,21 @@ class SmallModel {
  public:
   SetDictionary dictionary;
 };
+
+inline AssociationRule ruleOf(const Items& antecedent, const Items& consequent, double support = 0.5,
+                              double confidence = 0.5) {
+  return AssociationRule(itemSet(antecedent), itemSet(consequent), support, confidence, 1.0);
+}
+
+// All rules of the small model with a confidence of at least a half, best first, from its counts.
+inline std::vector<AssociationRule> smallModelRules() {
+  const auto rule = [](const Items& antecedent, const Items& consequent, double both, double left) {
+    return ruleOf(antecedent, consequent, both / 12.0, both / left);
+  };
+  return {rule({8}, {2}, 3, 4),    rule({8}, {5}, 3, 4),    rule({}, {5}, 8, 12),   rule({2}, {5}, 4, 6),
+          rule({2, 8}, {5}, 2, 3), rule({5, 8}, {2}, 2, 3), rule({}, {2}, 6, 12),   rule({5}, {2}, 4, 8),
+          rule({2}, {8}, 3, 6),    rule({8}, {2, 5}, 2, 4), rule({2, 5}, {8}, 2, 4)};
+}
 
 // A document of tests/xml/expected, written by hand.
 inline std::string expectedDocument(const std::string& name) {
