@@ -35,9 +35,12 @@ class LatticeGraph {
   explicit LatticeGraph(const SetDictionary& dictionary);
 
   int size() const { return static_cast<int>(entries_.size()); }
-  // The nodes of one level are [levelBegin(k), levelBegin(k + 1)), for k up to levels() - 1.
+  // The nodes of one level are [levelBegin(k), levelBegin(k + 1)), none for a level that holds no sets in
+  // memory.
   int levels() const { return static_cast<int>(indexes_.size()); }
-  int levelBegin(int level) const { return levelBegins_[static_cast<std::size_t>(level)]; }
+  int levelBegin(int level) const {
+    return level < levels() ? levelBegins_[static_cast<std::size_t>(level)] : size();
+  }
 
   const ItemSet& set(int node) const { return *entries_[static_cast<std::size_t>(node)]->key; }
   SetCounter* descriptor(int node) const { return entries_[static_cast<std::size_t>(node)]->descriptor; }

@@ -66,7 +66,7 @@ KorStatus filteredConsequents(SetDictionary& dictionary, RuleFilter filter, int 
   if (!status.IsOK()) return status;
   std::set<int> collected;
   for (const AssociationRule& rule : rules) {
-    if (static_cast<long long>(collected.size()) >= maxItems) break;
+    if (maxItems >= 0 && collected.size() >= static_cast<std::size_t>(maxItems)) break;
     const int item = rule.getConsequent().getItemAt(0);
     if (!collected.insert(item).second) continue;
     out.emplace_back(item, rule.getSupport(), rule.getConfidence(), rule.getLift());

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <iterator>
 #include <memory>
 #include <utility>
 
@@ -60,16 +61,17 @@ std::vector<int> LatticeSearch::supersets(const ItemSet& base, const ItemSet* al
 std::vector<int> LatticeSearch::containing(const ItemSet& items, const SearchBounds& bounds,
                                            const std::set<ItemSet>* skipped) const {
   std::vector<int> seeds;
-  std::vector<int> found;
   for (int i = 0; i < items.length(); ++i) {
     const int item = items.getItemAt(i);
     const int node = graph_.find(&item, 1);
     if (node == LatticeGraph::kNone || graph_.descriptor(node) == nullptr) continue;
-    if (graph_.count(node) < bounds.minCount || std::find(seeds.begin(), seeds.end(), node) != seeds.end())
-      continue;
-    seeds.push_back(node);
-    if (reports(node, bounds)) found.push_back(node);
+    if (graph_.count(node) >= bounds.minCount) seeds.push_back(node);
   }
+  std::sort(seeds.begin(), seeds.end());
+  seeds.erase(std::unique(seeds.begin(), seeds.end()), seeds.end());
+  std::vector<int> found;
+  std::copy_if(seeds.begin(), seeds.end(), std::back_inserter(found),
+               [&](int node) { return reports(node, bounds); });
   if (bounds.maxLength <= 1) seeds.clear();
   return climb(std::move(seeds), std::move(found), nullptr, bounds, skipped);
 }
@@ -103,16 +105,32 @@ std::vector<int> LatticeSearch::maximal(int minCount) const {
   // From the largest sets down: whether a superset reaches the count.
   std::vector<bool> isBelow(static_cast<std::size_t>(graph_.size()), false);
   std::vector<int> found;
+  bool hasGaps = false;
   for (int node = graph_.size() - 1; node >= 0; --node) {
     const auto index = static_cast<std::size_t>(node);
     const bool reaches = graph_.count(node) >= minCount;
     if (reaches && !isBelow[index] && (graph_.length(node) > 0 || found.empty())) found.push_back(node);
     if (!reaches && !isBelow[index]) continue;
     for (const int subset : graph_.down(node)) {
-      if (subset != LatticeGraph::kNone) isBelow[static_cast<std::size_t>(subset)] = true;
+      if (subset != LatticeGraph::kNone) {
+        isBelow[static_cast<std::size_t>(subset)] = true;
+      } else {
+        hasGaps = true;
+      }
     }
   }
+  if (hasGaps) dropSubsets(found);
   return found;
+}
+
+// Where a subset is not stored, no chain of links leads through it: the sets have to be compared.
+void LatticeSearch::dropSubsets(std::vector<int>& nodes) const {
+  const std::vector<int> all = nodes;
+  std::erase_if(nodes, [&](int node) {
+    return std::any_of(all.begin(), all.end(), [&](int other) {
+      return graph_.length(other) > graph_.length(node) && graph_.set(node).isSubsetOf(&graph_.set(other));
+    });
+  });
 }
 
 SemiLattice* filteredCopy(const SetDictionary& dictionary, double minFraction, const ItemSet* leaveOut) {

@@ -41,9 +41,9 @@ std::vector<int> RuleCreation::numberFrequentSets() const {
   std::vector<int> frequent;
   const int end = graph_.levelBegin(dictionary_.getHighestLevel() + 1);
   for (int node = 0; node < end; ++node) {
+    if (graph_.count(node) < minCount_) continue;
     SetCounter* descriptor = graph_.descriptor(node);
-    if (descriptor == nullptr || descriptor->count < minCount_) continue;
-    descriptor->setTID(static_cast<int>(frequent.size()));
+    if (descriptor != nullptr) descriptor->setTID(static_cast<int>(frequent.size()));
     frequent.push_back(node);
   }
   return frequent;
@@ -61,7 +61,8 @@ bool RuleCreation::findAntecedents(const std::vector<int>& frequent, AntecedentT
   while (searched < total) {
     const int whole = frequent[static_cast<std::size_t>(searched)];
     filter.highestCount = antecedentCountBound(graph_.count(whole), minConfidence_);
-    goesOn = search.run(whole, filter, tables.antecedents);
+    // A set without descriptor ends the work as a stop does, but without the flag.
+    goesOn = graph_.descriptor(whole) != nullptr && search.run(whole, filter, tables.antecedents);
     if (interval > 0 && searched % interval == 0) report(searched + 1, total);
     if (!goesOn) break;
     tables.close(whole);

@@ -23,8 +23,9 @@ class RuleCreation {
   RuleCreation(SetDictionary& dictionary, double minSupport, double minConfidence, ProgressListener* listener,
                bool pruneRedundant);
 
-  // Answers 40002/warning when the lattice is empty, 1/error when it was told to stop; out then gets no
-  // rules. Brings all of out into the order of confidence. Exceptions of the listener are let through.
+  // Answers 40002/warning when the lattice is empty, out then untouched; 1/error when it was told to stop or
+  // a frequent set has no descriptor, out then getting no rules. Otherwise, and after a stop too, brings all
+  // of out into the order of confidence. Exceptions of the listener are let through.
   KorAssoc::KorStatus run(std::vector<AssociationRule>& out);
 
  private:
