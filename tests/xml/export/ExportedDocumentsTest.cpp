@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <random>
 #include <sstream>
@@ -117,6 +118,44 @@ class Valid : public WellFormed {
     if (!std::filesystem::exists(schemaFile())) GTEST_SKIP() << "no schema at " << schemaFile();
   }
 };
+
+// The examples of docs/pmml.md have several attributes in a line.
+std::vector<std::string> xmlExamples() {
+  std::ifstream in(std::filesystem::path(KORASSOC_SOURCE_DIR) / "docs/pmml.md");
+  std::vector<std::string> examples;
+  bool inside = false;
+  for (std::string line; std::getline(in, line);) {
+    if (line == "```xml") examples.emplace_back();
+    if (inside && line != "```") examples.back() += line + '\n';
+    inside = line != "```" && (inside || line == "```xml");
+  }
+  return examples;
+}
+
+// The text with every run of blanks, tabs and line ends as one blank.
+std::string collapsed(const std::string& text) {
+  std::istringstream words(text);
+  std::string result;
+  for (std::string word; words >> word;) result += (result.empty() ? "" : " ") + word;
+  return result;
+}
+
+TEST(Documentation, ShowsTheDocumentsOfItsTenBaskets) {
+  auto settings = settingsWithSupport(0.3);
+  settings->SetMaxLengthSet(2);
+  VectorTransactions baskets({{2, 5}, {2, 5}, {2, 5}, {2, 5}, {2}, {2}, {5}, {5}, {}, {}});
+  CarmaAssociationAlgorithm engine(settings.get(), &baskets);
+  ASSERT_TRUE(engine.RunPhaseI(10).IsOK());
+  ASSERT_TRUE(engine.RunPhaseII().IsOK());
+  std::ostringstream rules, lattice;
+  ASSERT_TRUE(engine.ExportRulesXML(rules, 0.3, 0.65, false).IsOK());
+  ASSERT_TRUE(engine.ExportLatticeXML(lattice).IsOK());
+
+  const std::vector<std::string> examples = xmlExamples();
+  ASSERT_EQ(examples.size(), 2U);
+  EXPECT_EQ(collapsed(examples[0]), collapsed(rules.str()));
+  EXPECT_EQ(collapsed(examples[1]), collapsed(lattice.str()));
+}
 
 TEST_F(WellFormed, XmllintTellsABrokenDocument) {
   EXPECT_FALSE(lint(expectedDocument("rules.xml").substr(0, 2000), "").accepted);
