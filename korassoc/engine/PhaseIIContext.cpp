@@ -29,28 +29,36 @@ const PhaseIIContext& PhaseIIContext::instance() {
   return instance;
 }
 
-KorStatus PhaseIIContext::RunPhaseII(Engine& engine) const { return run(engine, {true, 2}); }
-
-KorStatus PhaseIIContext::RunPhaseIIrandom(Engine& engine) const { return run(engine, {false, 1}); }
-
-KorStatus PhaseIIContext::run(Engine& engine, const Variant& variant) const {
+template <typename Work>
+KorStatus PhaseIIContext::run(Engine& engine, Work&& work) const {
   const Engine::Running running(engine);
   KorStatus result;
-  if (!completes([&] { result = pass(engine, variant); })) result = KorStatus(kExceptionCode, false);
+  if (!completes([&] { result = work(); })) result = KorStatus(kExceptionCode, false);
   if (engine.cancelRequested_ && result.IsOK()) result = KorStatus(1, false);
   return engine.setStatus(result);
 }
 
+KorStatus PhaseIIContext::RunPhaseII(Engine& engine) const {
+  return run(engine, [&] { return pass(engine, {true, 2}); });
+}
+
+KorStatus PhaseIIContext::RunPhaseIIrandom(Engine& engine) const {
+  return run(engine, [&] { return pass(engine, {false, 1}); });
+}
+
+// References are taken before the first callback: one that carries a cancel out takes the engine's pointers
+// away.
 KorStatus PhaseIIContext::pass(Engine& engine, const Variant& variant) const {
   if (engine.iterator_ == nullptr) throw std::logic_error("no transactions");
   SetDictionary& dictionary = *engine.dictionary_;
-  engine.transactionsSeen_ = engine.core_->transactions();
+  CarmaCore& core = *engine.core_;
+  engine.transactionsSeen_ = core.transactions();
   const bool restarted = engine.iterator_->Restart() == 0;
   const bool tooMany =
       dictionary.getTotalSetCount() > engine.settings_->GetDictionarySettings().GetMaxInStoreSets();
   const bool hasLongSets = dictionary.getHighestLevel() > 1;
   const bool counts = hasLongSets && (!variant.needsLongSets || engine.settings_->GetMaxLengthSet() > 1);
-  if (restarted && !tooMany && counts) return countAgain(engine, variant);
+  if (restarted && !tooMany && counts) return countAgain(engine, dictionary, core, variant.firstLevel);
   if (tooMany) return KorStatus(3, false);
   if (!engine.cancelRequested_ && !hasLongSets) {
     dictionary.buildLattice();
@@ -60,11 +68,10 @@ KorStatus PhaseIIContext::pass(Engine& engine, const Variant& variant) const {
   return restarted ? KorStatus() : KorStatus(2, false);
 }
 
-KorStatus PhaseIIContext::countAgain(Engine& engine, const Variant& variant) const {
-  SetDictionary& dictionary = *engine.dictionary_;
-  CarmaCore& core = *engine.core_;
+KorStatus PhaseIIContext::countAgain(Engine& engine, SetDictionary& dictionary, CarmaCore& core,
+                                     int firstLevel) const {
   const int frequency = engine.settings_->GetReportFreqPhaseII();
-  core.preparePhaseII(dictionary, variant.firstLevel);
+  core.preparePhaseII(dictionary, firstLevel);
   for (int count = 0; count < engine.transactionsSeen_;) {
     if (!engine.iterator_->HasNext()) break;
     if (engine.cancelRequested_) {
@@ -85,12 +92,7 @@ KorStatus PhaseIIContext::countAgain(Engine& engine, const Variant& variant) con
 }
 
 KorStatus PhaseIIContext::RunPhaseIIcomplete(Engine& engine, double minSupport) const {
-  const Engine::Running running(engine);
-  KorStatus result;
-  if (!completes([&] { result = countCompletely(engine, minSupport); }))
-    result = KorStatus(kExceptionCode, false);
-  if (engine.cancelRequested_ && result.IsOK()) result = KorStatus(1, false);
-  return engine.setStatus(result);
+  return run(engine, [&] { return countCompletely(engine, minSupport); });
 }
 
 KorStatus PhaseIIContext::countCompletely(Engine& engine, double minSupport) const {
@@ -98,6 +100,7 @@ KorStatus PhaseIIContext::countCompletely(Engine& engine, double minSupport) con
   if (engine.iterator_ == nullptr) throw std::logic_error("no transactions");
   const CarmaSettings& settings = *engine.settings_;
   const int frequency = settings.GetReportFreqPhaseII();
+  SetDictionary& dictionary = *engine.dictionary_;
   CarmaCore& core = *engine.core_;
   core.noteTransactionII(0);
   const CompletePass::Watch watch{[&engine] { return engine.cancelRequested_.load(); },
@@ -121,7 +124,7 @@ KorStatus PhaseIIContext::countCompletely(Engine& engine, double minSupport) con
     case CompletePass::Outcome::kDone:
       break;
   }
-  engine.dictionary_->adopt(pass.itemsets());
+  dictionary.adopt(pass.itemsets());
   engine.transactionsSeen_ = pass.itemsets().transactionCount;
   report(engine);
   return KorStatus();

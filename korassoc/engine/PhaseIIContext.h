@@ -4,6 +4,8 @@
 
 #include "korassoc/engine/CarmaContext.h"
 
+class CarmaCore;
+
 class PhaseIIContext : public CarmaContext {
  public:
   static const PhaseIIContext& instance();
@@ -23,9 +25,13 @@ class PhaseIIContext : public CarmaContext {
  private:
   struct Variant;
 
-  KorAssoc::KorStatus run(Engine& engine, const Variant& variant) const;
+  // Runs one form of the phase and makes its result the engine's status.
+  template <typename Work>
+  KorAssoc::KorStatus run(Engine& engine, Work&& work) const;
+
   KorAssoc::KorStatus pass(Engine& engine, const Variant& variant) const;
-  KorAssoc::KorStatus countAgain(Engine& engine, const Variant& variant) const;
+  KorAssoc::KorStatus countAgain(Engine& engine, SetDictionary& dictionary, CarmaCore& core,
+                                 int firstLevel) const;
   KorAssoc::KorStatus countCompletely(Engine& engine, double minSupport) const;
   static void report(Engine& engine);
 };

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "korassoc/base/BinaryRecord.h"
 #include "korassoc/engine/Exceptions.h"
+#include "tests/support/RecordStream.h"
 #include "tests/support/StreamCapture.h"
 #include "tests/support/TemporaryFile.h"
 
@@ -23,18 +23,6 @@ std::string chunks(const CeilArray& array) {
     text += std::to_string(array.count(chunk)) + "x" + std::to_string(array.ceiling(chunk)) + " ";
   }
   return text;
-}
-
-std::string int32(int value) {
-  std::string bytes(4, '\0');
-  korassoc::detail::storeInt32(bytes.data(), value);
-  return bytes;
-}
-
-std::string float64(double value) {
-  std::string bytes(8, '\0');
-  korassoc::detail::storeFloat64(bytes.data(), value);
-  return bytes;
 }
 
 // Reads the bytes; the message when it is refused, "" when it is not, with what went to standard error.
@@ -178,9 +166,9 @@ TEST(CeilArray, WritesItsRecord) {
   std::fstream stream = file.writer();
   EXPECT_EQ(array.writeObject(stream), 2U + 8 + 4 + 4 + 2 * 16);
   stream.close();
-  EXPECT_EQ(file.contents(), "CA" + float64(0.5 + (0.25 - 0.5) / 3) + int32(3) + int32(2) +  //
-                                 int32(0) + int32(2) + float64(0.5) +                        //
-                                 int32(1) + int32(1) + float64(0.25));
+  EXPECT_EQ(file.contents(), "CA" + float64Bytes(0.5 + (0.25 - 0.5) / 3) + int32Bytes(3) + int32Bytes(2) +  //
+                                 int32Bytes(0) + int32Bytes(2) + float64Bytes(0.5) +                        //
+                                 int32Bytes(1) + int32Bytes(1) + float64Bytes(0.25));
 }
 
 TEST(CeilArray, GoesOnAfterARecordAsItWouldHave) {
@@ -204,8 +192,10 @@ TEST(CeilArray, GoesOnAfterARecordAsItWouldHave) {
 }
 
 TEST(CeilArray, RaisesEveryLowerChunkOfARecordOutOfOrder) {
-  Reading reading("CA" + float64(0.4) + int32(3) + int32(3) + int32(0) + int32(1) + float64(0.25) +  //
-                  int32(1) + int32(1) + float64(0.75) + int32(2) + int32(1) + float64(0.125));
+  Reading reading("CA" + float64Bytes(0.4) + int32Bytes(3) + int32Bytes(3) + int32Bytes(0) + int32Bytes(1) +
+                  float64Bytes(0.25) +  //
+                  int32Bytes(1) + int32Bytes(1) + float64Bytes(0.75) + int32Bytes(2) + int32Bytes(1) +
+                  float64Bytes(0.125));
   ASSERT_FALSE(reading.refused);
   reading.array.add(0.5);
   EXPECT_EQ(chunks(reading.array), "1x0.500000 1x0.750000 2x0.500000 ");
@@ -214,7 +204,7 @@ TEST(CeilArray, RaisesEveryLowerChunkOfARecordOutOfOrder) {
 
 TEST(CeilArray, StaysEmptyAndSaysSoOnAWrongTag) {
   for (const std::string& bytes :
-       {"XX" + float64(0.5) + int32(1) + int32(0), std::string("C"), std::string("")}) {
+       {"XX" + float64Bytes(0.5) + int32Bytes(1) + int32Bytes(0), std::string("C"), std::string("")}) {
     Reading reading(bytes);
     EXPECT_FALSE(reading.refused);
     EXPECT_EQ(reading.message, kFailure);
@@ -233,15 +223,16 @@ TEST(CeilArray, StopsReadingBehindAWrongTag) {
 }
 
 TEST(CeilArray, RefusesAChunkOutOfOrderWithoutAWord) {
-  Reading reading("CA" + float64(0.5) + int32(2) + int32(2) + int32(0) + int32(1) + float64(0.5) + int32(2) +
-                  int32(1) + float64(0.25));
+  Reading reading("CA" + float64Bytes(0.5) + int32Bytes(2) + int32Bytes(2) + int32Bytes(0) + int32Bytes(1) +
+                  float64Bytes(0.5) + int32Bytes(2) + int32Bytes(1) + float64Bytes(0.25));
   EXPECT_TRUE(reading.refused);
   EXPECT_EQ(reading.message, "");
 }
 
 TEST(CeilArray, RefusesARecordCutShortAnywhere) {
-  const std::string bytes = "CA" + float64(0.375) + int32(2) + int32(2) + int32(0) + int32(1) + float64(0.5) +
-                            int32(1) + int32(1) + float64(0.25);
+  const std::string bytes = "CA" + float64Bytes(0.375) + int32Bytes(2) + int32Bytes(2) + int32Bytes(0) +
+                            int32Bytes(1) + float64Bytes(0.5) + int32Bytes(1) + int32Bytes(1) +
+                            float64Bytes(0.25);
   for (std::size_t length = 2; length < bytes.size(); ++length) {
     Reading reading(bytes.substr(0, length));
     EXPECT_TRUE(reading.refused) << length;
@@ -251,14 +242,15 @@ TEST(CeilArray, RefusesARecordCutShortAnywhere) {
 }
 
 TEST(CeilArray, RefusesImpossibleCounts) {
-  EXPECT_TRUE(Reading("CA" + float64(0.5) + int32(-1) + int32(0)).refused);
-  EXPECT_TRUE(
-      Reading("CA" + float64(0.5) + int32(1) + int32(1) + int32(0) + int32(-1) + float64(0.5)).refused);
-  EXPECT_TRUE(Reading("CA" + float64(0.5) + int32(1) + int32(2147483647)).refused);
+  EXPECT_TRUE(Reading("CA" + float64Bytes(0.5) + int32Bytes(-1) + int32Bytes(0)).refused);
+  EXPECT_TRUE(Reading("CA" + float64Bytes(0.5) + int32Bytes(1) + int32Bytes(1) + int32Bytes(0) +
+                      int32Bytes(-1) + float64Bytes(0.5))
+                  .refused);
+  EXPECT_TRUE(Reading("CA" + float64Bytes(0.5) + int32Bytes(1) + int32Bytes(2147483647)).refused);
 }
 
 TEST(CeilArray, TakesANegativeNumberOfChunksAsNone) {
-  Reading reading("CA" + float64(0.5) + int32(7) + int32(-1));
+  Reading reading("CA" + float64Bytes(0.5) + int32Bytes(7) + int32Bytes(-1));
   EXPECT_FALSE(reading.refused);
   EXPECT_EQ(reading.message, "");
   EXPECT_EQ(reading.array.used(), 0);

@@ -13,7 +13,6 @@
 #include <utility>
 #include <vector>
 
-#include "korassoc/base/BinaryRecord.h"
 #include "korassoc/dictionary/HashTable.h"
 #include "korassoc/dictionary/LatticeSetDescriptor.h"
 #include "korassoc/engine/CarmaFailedRestartContext.h"
@@ -22,6 +21,7 @@
 #include "korassoc/engine/PhaseIIContext.h"
 #include "tests/support/EngineHost.h"
 #include "tests/support/FailingBuffer.h"
+#include "tests/support/RecordStream.h"
 #include "tests/support/StreamCapture.h"
 #include "tests/support/TemporaryFile.h"
 
@@ -105,18 +105,6 @@ struct Restored {
   std::string errors;
 };
 
-std::string int32(int value) {
-  std::string bytes(4, '\0');
-  korassoc::detail::storeInt32(bytes.data(), value);
-  return bytes;
-}
-
-std::string float64(double value) {
-  std::string bytes(8, '\0');
-  korassoc::detail::storeFloat64(bytes.data(), value);
-  return bytes;
-}
-
 // Where the record of the ceilings starts: 28 bytes for the core and 16 for each chunk come behind its head
 // of 18.
 std::size_t ceilingsAt(const std::string& state, const Engine& engine) {
@@ -193,12 +181,12 @@ TEST(SaveState, HoldsItsRecordsInOrder) {
               [](CarmaSettings& settings, std::fstream& stream) { settings.WriteObject(stream); }) +
       bytesOf(*Access::dictionary(engine),
               [](SetDictionary& dictionary, std::fstream& stream) { dictionary.writeObject(stream); }) +
-      int32(Access::setsRemoved(engine)) + int32(13) + float64(0.2) + float64(Access::supportCount(engine)) +
-      int32(Access::peakSets(engine)) +
+      int32Bytes(Access::setsRemoved(engine)) + int32Bytes(13) + float64Bytes(0.2) +
+      float64Bytes(Access::supportCount(engine)) + int32Bytes(Access::peakSets(engine)) +
       bytesOf(*Access::ceilings(engine),
               [](CeilArray& ceilings, std::fstream& stream) { ceilings.writeObject(stream); }) +
-      float64(core.averageExtension()) + int32(core.maxExtension()) + int32(core.longestCandidate()) +
-      int32(core.longAdded());
+      float64Bytes(core.averageExtension()) + int32Bytes(core.maxExtension()) +
+      int32Bytes(core.longestCandidate()) + int32Bytes(core.longAdded());
   EXPECT_EQ(binaryState(*run.engine), expected);
   EXPECT_GT(Access::setsRemoved(engine), 0);
   EXPECT_GT(Access::peakSets(engine), 0);
@@ -327,7 +315,7 @@ TEST(Restore, RefusesCeilingsOutOfOrderWithoutAWord) {
   std::string state = binaryState(*run.engine);
   const std::size_t at = ceilingsAt(state, *run.engine);
   ASSERT_GE(Access::ceilings(*run.engine)->used(), 2);
-  state.replace(at + 18 + 16, 4, int32(5));
+  state.replace(at + 18 + 16, 4, int32Bytes(5));
   Restored restored(state, Restored::Binary);
   EXPECT_TRUE(restored.unusable());
   EXPECT_EQ(shortForm(restored.engine->GetStatus()), "E5");
@@ -417,6 +405,22 @@ TEST(SaveState, TellsAStreamThatFails) {
   const TemporaryFile file;
   std::fstream stream = file.writer();
   EXPECT_EQ(shortForm(run.engine->SaveState(stream)), "OK") << "a better stream will do";
+}
+
+TEST(SaveState, TellsADiskThatFillsUpAnywhere) {
+  EngineHost host(Transactions{{1, 2}, {1, 2}, {1, 2}});
+  host.engine->RunPhaseI(3);
+  const std::size_t size = binaryState(*host.engine).size();
+  for (std::size_t room = 0; room < size; ++room) {
+    FailingRecordStream file(room);
+    const StreamCapture output(std::cout);
+    const StreamCapture errors(std::cerr);
+    ASSERT_EQ(shortForm(host.engine->SaveState(file.stream())), "E2") << room;
+    ASSERT_EQ(output.text(), " Error saving to the output stream!\n ") << room;
+    ASSERT_EQ(&Access::state(*host.engine), &PhaseIContext::instance()) << room;
+  }
+  FailingRecordStream file(size);
+  EXPECT_EQ(shortForm(host.engine->SaveState(file.stream())), "OK");
 }
 
 TEST(SaveStateXML, TellsADiskThatFillsUpAnywhere) {
@@ -509,11 +513,11 @@ TEST(RunNullPhaseII, PrunesByTheSupportOfTheLastTransaction) {
   host.engine->RunPhaseI(10);
   std::string state = binaryState(*host.engine);
   const std::size_t at = ceilingsAt(state, *host.engine) - 28 + 8;
-  ASSERT_EQ(state.substr(at, 8), float64(0.5));
+  ASSERT_EQ(state.substr(at, 8), float64Bytes(0.5));
   Restored asSaved(state, Restored::Binary);
   EXPECT_EQ(shortForm(asSaved.engine->RunNullPhaseII(0.0)), "OK");
   EXPECT_EQ(Access::dictionary(*asSaved.engine)->getCount(2), 6);
-  state.replace(at, 8, float64(0.65));
+  state.replace(at, 8, float64Bytes(0.65));
   Restored changed(state, Restored::Binary);
   EXPECT_EQ(shortForm(changed.engine->RunNullPhaseII(0.0)), "OK");
   EXPECT_EQ(Access::dictionary(*changed.engine)->getCount(2), 0);

@@ -37,6 +37,8 @@ const Form kRandom = {"RunPhaseIIrandom",
                       [](CarmaAssociationAlgorithm& engine) { return engine.RunPhaseIIrandom(); }};
 const Form kNull = {"RunNullPhaseII",
                     [](CarmaAssociationAlgorithm& engine) { return engine.RunNullPhaseII(0.0); }};
+const Form kComplete = {"RunPhaseIIcomplete",
+                        [](CarmaAssociationAlgorithm& engine) { return engine.RunPhaseIIcomplete(0.5); }};
 const Form kPasses[] = {kExact, kRandom};
 
 int countOf(const EngineHost& host, const std::vector<int>& items) {
@@ -228,6 +230,55 @@ TEST(RunPhaseII, BuildsNothingForAnEngineThatWasToldToStop) {
   EXPECT_EQ(host.engine->NumberOfSets(), 2);
   host.source.restartResult = 7;
   EXPECT_EQ(shortForm(host.engine->RunPhaseII()), "E2") << "what went wrong by itself is told first";
+}
+
+// Whichever callback carries a cancel out, what the pass works with stays until it has ended.
+TEST(RunPhaseII, SurvivesACancelThatACallbackCarriesOut) {
+  struct CancellingSource : VectorTransactions {
+    using VectorTransactions::VectorTransactions;
+    int Restart() override {
+      if (engine != nullptr && inRestart) cancel();
+      return VectorTransactions::Restart();
+    }
+    Transaction* Next() override {
+      if (engine != nullptr && !inRestart && position() == 2) cancel();
+      return VectorTransactions::Next();
+    }
+    void cancel() {
+      engine->Cancel();
+      EXPECT_EQ(shortForm(engine->RunNullPhaseII(0.0)), "E1");
+    }
+    CarmaAssociationAlgorithm* engine = nullptr;
+    bool inRestart = false;
+  };
+  for (const bool inRestart : {false, true}) {
+    for (const Form& form : {kExact, kRandom, kComplete}) {
+      auto settings = settingsWithSupport(0.5);
+      CancellingSource source(repeated({1, 2}, 6));
+      CarmaAssociationAlgorithm engine(settings.get(), &source);
+      engine.RunPhaseI(6);
+      source.inRestart = inRestart;
+      source.engine = &engine;
+      EXPECT_EQ(shortForm(form.run(engine)), "E1") << form.name;
+      EXPECT_EQ(shortForm(engine.GetStatus()), "E1") << form.name;
+      EXPECT_EQ(engine.NumberOfSets(), -1) << form.name;
+    }
+  }
+}
+
+TEST(RunPhaseII, SurvivesACancelThatTheLastReportCarriesOut) {
+  for (const Form& form : {kExact, kRandom, kComplete}) {
+    AfterPhaseI host(repeated({1, 2}, 6));
+    host.settings->SetReportFreqPhaseII(6);
+    host.engine->RunNullPhaseII(0.0);
+    host.listen([&](ProgressReport& report) {
+      if (report.GetIntValue("nTransII") != 6) return;
+      host.engine->Cancel();
+      host.engine->RunNullPhaseII(0.0);
+    });
+    EXPECT_EQ(shortForm(form.run(*host.engine)), "E1") << form.name;
+    EXPECT_EQ(host.engine->NumberOfSets(), -1) << form.name;
+  }
 }
 
 TEST(RunPhaseII, NeedsAnIterator) {

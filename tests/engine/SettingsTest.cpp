@@ -13,32 +13,20 @@
 #include <type_traits>
 #include <utility>
 
-#include "korassoc/base/BinaryRecord.h"
 #include "korassoc/engine/CarmaSettings.h"
 #include "korassoc/engine/Exceptions.h"
 #include "tests/support/Hosts.h"
+#include "tests/support/RecordStream.h"
 #include "tests/support/StreamCapture.h"
 #include "tests/support/TemporaryFile.h"
 
 namespace {
 
-std::string int32(int value) {
-  std::string bytes(4, '\0');
-  korassoc::detail::storeInt32(bytes.data(), value);
-  return bytes;
-}
-
-std::string ints(std::initializer_list<int> values) {
-  std::string bytes;
-  for (const int value : values) bytes += int32(value);
-  return bytes;
-}
-
 // "DS" with the name "f.tmp" and the numbers 1 to 9.
 const std::string kDictionaryRecord =
-    "DS" + int32(6) + std::string("f.tmp\0", 6) + ints({1, 2, 3, 4, 5, 6, 7, 8, 9});
-const std::string kBaseRecord = "AAS" + ints({500, 7}) + kDictionaryRecord;
-const std::string kCarmaRecord = "CS" + kBaseRecord + ints({11, 12, 13, 14});
+    "DS" + int32Bytes(6) + std::string("f.tmp\0", 6) + int32Bytes({1, 2, 3, 4, 5, 6, 7, 8, 9});
+const std::string kBaseRecord = "AAS" + int32Bytes({500, 7}) + kDictionaryRecord;
+const std::string kCarmaRecord = "CS" + kBaseRecord + int32Bytes({11, 12, 13, 14});
 
 // What a read came to: the bytes it says it has read, or that it threw; and what it printed.
 struct Reading {
@@ -292,7 +280,7 @@ TEST(SettingsRecord, HoldsItsValuesInOrder) {
   dictionary.SetMaxInStoreSets(8);
   dictionary.SetLeaveInMainStoreCount(9);
   std::string expected = kCarmaRecord;
-  expected.replace(expected.find("DS") + 2 + 4 + 6 + 8, 4, int32(89));  // no setter for the third number
+  expected.replace(expected.find("DS") + 2 + 4 + 6 + 8, 4, int32Bytes(89));  // no setter for the third number
   EXPECT_EQ(written(settings), expected);
 }
 
@@ -336,7 +324,7 @@ TEST(SettingsRecord, TakesANameLongerThanTheOneItReplaces) {
   DictionarySettings settings;
   settings.SetSpillFileName("n");
   const Reading reading =
-      readInto(settings, "DS" + int32(1000001) + name + '\0' + ints({1, 2, 3, 4, 5, 6, 7, 8, 9}));
+      readInto(settings, "DS" + int32Bytes(1000001) + name + '\0' + int32Bytes({1, 2, 3, 4, 5, 6, 7, 8, 9}));
   EXPECT_FALSE(reading.threw);
   EXPECT_EQ(settings.GetSpillFileName(), name);
 }
@@ -369,7 +357,7 @@ TEST(SettingsRecord, ReportsAWrongTagInTheWayOfEachClass) {
 
 TEST(SettingsRecord, GoesOnBehindAWrongTagOfTheBaseRecord) {
   CarmaSettings settings;
-  const Reading reading = readInto(settings, "CSAAX" + ints({21, 22, 23, 24}));
+  const Reading reading = readInto(settings, "CSAAX" + int32Bytes({21, 22, 23, 24}));
   EXPECT_FALSE(reading.threw);
   EXPECT_EQ(reading.output, "Error reading AssocAlgSettings!\n");
   EXPECT_EQ(reading.errors, "");
@@ -381,7 +369,7 @@ TEST(SettingsRecord, GoesOnBehindAWrongTagOfTheBaseRecord) {
 
 TEST(SettingsRecord, LetsAFailureOfTheDictionarysPartThrough) {
   CarmaSettings settings;
-  const Reading reading = readInto(settings, "CSAAS" + ints({500, 7}) + "XX" + kDictionaryRecord);
+  const Reading reading = readInto(settings, "CSAAS" + int32Bytes({500, 7}) + "XX" + kDictionaryRecord);
   EXPECT_TRUE(reading.threw);
   EXPECT_EQ(reading.output, "Error reading DictionarySettings!\n");
   EXPECT_EQ(reading.errors, "");
@@ -401,8 +389,8 @@ TEST(SettingsRecord, RefusesALengthThatTheStreamDoesNotHold) {
   for (const int length : {0, -1, -2147483647 - 1, 2147483647, 48}) {
     DictionarySettings settings;
     const std::string before = settings.GetSpillFileName();
-    const Reading reading = readInto(
-        settings, "DS" + int32(length) + std::string("f.tmp\0", 6) + ints({1, 2, 3, 4, 5, 6, 7, 8, 9}));
+    const Reading reading = readInto(settings, "DS" + int32Bytes(length) + std::string("f.tmp\0", 6) +
+                                                   int32Bytes({1, 2, 3, 4, 5, 6, 7, 8, 9}));
     EXPECT_TRUE(reading.threw) << length;
     EXPECT_EQ(reading.output, "Error reading DictionarySettings!\n") << length;
     EXPECT_EQ(settings.GetSpillFileName(), before) << length;

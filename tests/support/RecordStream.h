@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <fstream>
 #include <initializer_list>
@@ -62,6 +63,14 @@ inline std::string int32Bytes(int value) {
 inline std::string int32Bytes(std::initializer_list<int> values) {
   std::string bytes;
   for (const int value : values) bytes += int32Bytes(value);
+  return bytes;
+}
+
+// The eight bytes of a double in a record.
+inline std::string float64Bytes(double value) {
+  const auto bits = std::bit_cast<std::uint64_t>(value);
+  std::string bytes;
+  for (int shift = 0; shift < 64; shift += 8) bytes += static_cast<char>((bits >> shift) & 0xFFU);
   return bytes;
 }
 
