@@ -154,12 +154,18 @@ HashTable::Entry* HashTable::unlink(Entry** link) {
 }
 
 void HashTable::recycle(Entry* entry) {
+  if (freeCount_ >= count_ / 8 + 64) {
+    delete entry;
+    return;
+  }
   *entry = Entry{nullptr, nullptr, freeNodes_};
   freeNodes_ = entry;
+  ++freeCount_;
 }
 
 HashTable::Entry* HashTable::newNode() {
   if (freeNodes_ == nullptr) return new Entry{nullptr, nullptr, nullptr};
+  --freeCount_;
   return std::exchange(freeNodes_, freeNodes_->next);
 }
 

@@ -153,5 +153,6 @@ class KORASSOC_EXPORT HashTable {
   int count_ = 0;
   int threshold_ = 0;
   int modCount_ = 0;
+  int freeCount_ = 0;           // entries in it: enough to evict and add by turns
   Entry* freeNodes_ = nullptr;  // a chain of entries without contents
 };

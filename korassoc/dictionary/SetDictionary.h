@@ -224,6 +224,9 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   // Between the two calls evicted sets stay usable, with their last values.
   void holdEvicted() { holdsEvicted_ = true; }
   void releaseEvicted();
+  // How many are held so, and letting go of those whose descriptor is not among the used ones (ascending).
+  int heldEvicted() const { return static_cast<int>(evictedSets_.size()); }
+  void releaseEvictedBut(const std::vector<const SetCounter*>& used);
 
   // --- Queries ---
   // The stored sets with their links both ways, made at the first call after a change of sets or links; valid

@@ -1,5 +1,7 @@
 // Adding sets to the dictionary, and what gives way to them when memory is full.
 
+#include <algorithm>
+#include <functional>
 #include <iostream>
 #include <utility>
 
@@ -175,6 +177,19 @@ void SetDictionary::releaseEvicted() {
   evictedSets_.clear();
   evictedDescriptors_.clear();
   holdsEvicted_ = false;
+}
+
+void SetDictionary::releaseEvictedBut(const std::vector<const SetCounter*>& used) {
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < evictedSets_.size(); ++i) {
+    const SetCounter* descriptor = evictedDescriptors_[i].get();
+    if (!std::binary_search(used.begin(), used.end(), descriptor, std::less<>())) continue;
+    std::swap(evictedSets_[kept], evictedSets_[i]);
+    std::swap(evictedDescriptors_[kept], evictedDescriptors_[i]);
+    ++kept;
+  }
+  evictedSets_.resize(kept);
+  evictedDescriptors_.resize(kept);
 }
 
 void SetDictionary::createSpillStore() {

@@ -1,6 +1,7 @@
 #include "korassoc/engine/CarmaCore.h"
 
 #include <algorithm>
+#include <functional>
 #include <limits>
 #include <memory>
 
@@ -70,6 +71,7 @@ KorStatus CarmaCore::step(SetDictionary& dictionary, const Transaction& transact
     const EvictionHold hold(dictionary);
     dictionary.increment(ItemSetView(nullptr, 0));
     work_.clear();
+    heldOfUse_ = 0;
     for (std::size_t i = 0; stored && i < items_.size(); ++i)
       stored = handleItem(dictionary, items_[i], bounds);
   } catch (...) {
@@ -87,9 +89,7 @@ bool CarmaCore::handleItem(SetDictionary& dictionary, const int& item, const Bou
   const ItemSetView single(&item, 1);
   const SetDictionary::Counted counted = dictionary.increment(single);
   if (counted.descriptor == nullptr) {
-    std::unique_ptr<SetCounter> descriptor = std::make_unique<CarmaSetDescriptor>(1, nTrans_, 0);
-    longAdded_ = std::max(longAdded_, 1);
-    return dictionary.add(single, descriptor) == 0;
+    return add(dictionary, single, 0);
   }
   if (counted.descriptor->count < bounds.extendFrom || maxLengthSet_ < 2) return true;
   const std::size_t parents = work_.size();
@@ -119,9 +119,29 @@ bool CarmaCore::extend(SetDictionary& dictionary, const Found& parent, int item,
   if (parentBound + 1 < bounds.supportBound) return true;
   long long missed = 0;
   if (!boundMissed(dictionary, parent, single, bounds, parentBound, missed)) return true;
-  std::unique_ptr<SetCounter> descriptor = std::make_unique<CarmaSetDescriptor>(1, nTrans_, toCount(missed));
-  longAdded_ = std::max(longAdded_, length);
-  return dictionary.add(set, descriptor) == 0;
+  return add(dictionary, set, toCount(missed));
+}
+
+// Stores a set that was met for the first time. False when the dictionary refused it.
+bool CarmaCore::add(SetDictionary& dictionary, const ItemSetView& set, int missed) {
+  std::unique_ptr<SetCounter> descriptor = std::make_unique<CarmaSetDescriptor>(1, nTrans_, missed);
+  longAdded_ = std::max(longAdded_, set.length);
+  const bool stored = dictionary.add(set, descriptor) == 0;
+  releaseUnused(dictionary);
+  return stored;
+}
+
+// Of the sets that this transaction drove out, only those on the work list are still of use. The others go
+// from time to time: a long transaction can drive out many times what the memory may hold.
+void CarmaCore::releaseUnused(SetDictionary& dictionary) {
+  const std::size_t enough = 64 + 2 * static_cast<std::size_t>(heldOfUse_) + work_.size() / 8;
+  if (static_cast<std::size_t>(dictionary.heldEvicted()) < enough) return;
+  used_.clear();
+  used_.reserve(work_.size());
+  for (const Found& found : work_) used_.push_back(found.descriptor);
+  std::sort(used_.begin(), used_.end(), std::less<>());
+  dictionary.releaseEvictedBut(used_);
+  heldOfUse_ = dictionary.heldEvicted();
 }
 
 // How many occurrences the candidate can have missed, at most. False when it cannot reach the support.

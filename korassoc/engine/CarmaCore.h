@@ -82,12 +82,16 @@ class CarmaCore {
                    const Bounds& bounds, long long parentBound, long long& missed);
   bool checkSubsets(SetDictionary& dictionary, const Bounds& bounds, long long parentBound,
                     long long& missed);
+  bool add(SetDictionary& dictionary, const ItemSetView& set, int missed);
+  void releaseUnused(SetDictionary& dictionary);
 
   int maxLengthSet_;
   std::vector<int> items_;      // the transaction's items, ascending, repeats kept
   std::vector<int> candidate_;  // a stored set and one more item
   std::vector<int> subset_;     // the candidate without one of its items
   std::vector<Found> work_;
+  std::vector<const SetCounter*> used_;  // the descriptors on the work list, ascending, to look one up
+  int heldOfUse_ = 0;                    // evicted sets that were on the work list when last looked
   korassoc::detail::ExactCounter exact_;
   int nTrans_ = 0;
   int nTransII_ = 0;
