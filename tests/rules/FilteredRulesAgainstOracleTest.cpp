@@ -9,9 +9,12 @@
 #include <string>
 #include <vector>
 
+#include "korassoc/dictionary/CarmaSetDescriptor.h"
+#include "korassoc/engine/DictionarySettings.h"
 #include "korassoc/rules/AssociationRule.h"
 #include "korassoc/rules/ConsequentDescriptor.h"
 #include "tests/oracle/PlainFilteredRules.h"
+#include "tests/oracle/PlainLattice.h"
 #include "tests/support/EngineAndOracle.h"
 #include "tests/support/RandomRuns.h"
 #include "tests/support/RuleComparison.h"
@@ -186,6 +189,41 @@ TEST_P(FilteredRulesAgainstOracle, SameItemsOfAnAntecedent) {
           << (antecedent.has_value() ? braces(*antecedent) : "no antecedent") << ", max items " << maxItems;
     }
   });
+}
+
+// 100 * 0.29 is 28.999999999999996. The largest count is rounded to 29 only where the least count is 29 too.
+TEST(FilteredRuleMaximum, IsRoundedOnlyWhereTheMinimumAgrees) {
+  DictionarySettings settings;
+  SetDictionary dictionary(2, &settings, true);
+  dictionary.addEmptySet(new CarmaSetDescriptor(100, 0, 0));
+  const int item = 1;
+  ASSERT_EQ(dictionary.addSet(&item, 1, new CarmaSetDescriptor(29, 1, 0)), 0);
+  dictionary.buildLattice();
+  oracle::PlainSettings plainSettings;
+  oracle::PlainDictionary plain(plainSettings);
+  plain.addEmptySet();
+  plain.find({})->count = 100;
+  plain.add({1}, oracle::Counter{29, 1, 0, {}});
+  oracle::buildLattice(plain);
+
+  struct Case {
+    double minSupport;
+    double maxSupport;
+    std::size_t rules;  // {} -> {1}, support 0.29
+  };
+  for (const Case& c : {Case{0.0, 0.29, 0}, Case{0.28, 0.29, 0}, Case{0.29, 0.29, 1}, Case{0.0, 0.30, 1}}) {
+    std::vector<AssociationRule> rules;
+    ASSERT_TRUE(dictionary
+                    .createFilteredRules(0.0, 1.0, c.minSupport, c.maxSupport, 0.0, 'C', nullptr, nullptr, 0,
+                                         5, nullptr, nullptr, 1, 5, -1, false, rules, nullptr)
+                    .IsOK());
+    EXPECT_EQ(rules.size(), c.rules) << c.minSupport << ".." << c.maxSupport;
+    PlainFilter filter;
+    filter.minSupport = c.minSupport;
+    filter.maxSupport = c.maxSupport;
+    EXPECT_EQ(oracle::createFilteredRules(plain, plainSettings, filter).size(), c.rules)
+        << c.minSupport << ".." << c.maxSupport;
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, FilteredRulesAgainstOracle, testing::Range(0, 3));
