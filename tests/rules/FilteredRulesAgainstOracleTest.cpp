@@ -156,7 +156,7 @@ TEST_P(FilteredRulesAgainstOracle, SameItemsOfTheFilteredQuery) {
   onLattices([&](EngineAndOracle& both, const RandomRun& run, const Items& universe, Dice& dice) {
     for (int query = 0; query < 6; ++query) {
       const PlainFilter filter = randomFilter(dice, universe);
-      const int maxItems = dice.oneOf<int>({0, 1, 3, 1000});
+      const int maxItems = dice.oneOf<int>({-1, 0, 1, 3, 1000});
       Argument antecedentRequired(filter.antecedentRequired);
       Argument antecedentAllowed(filter.antecedentAllowed);
       Argument consequentAllowed(filter.consequentAllowed);
