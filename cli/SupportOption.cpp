@@ -35,7 +35,7 @@ SupportOption SupportOption::parse(const std::string& option, std::string_view t
   support.text_ = std::string(text);
   const char unit = text.empty() ? '\0' : text.back();
   const std::string_view number = unit == '%' || unit == 'n' ? text.substr(0, text.size() - 1) : text;
-  if (unit == 'n') {
+  if (unit == 'n' && text != "nan") {
     const auto count = wholeNumber(number);
     if (!count) fail(option, text, "is not a whole number of transactions");
     support.isCount_ = true;

@@ -73,7 +73,7 @@ TEST(SupportOption, ShowsTheThreeSpellingsWhenItIsWrong) {
                         {"-3n", "is not a whole number of transactions; "},
                         {"2.5n", "is not a whole number of transactions; "},
                         {"9999999999n", "is not a whole number of transactions; "},
-                        {"nan", "is not a whole number of transactions; "},  // ends in n
+                        {"nan", "is not a number; "},
                         {"NaN", "is not a number; "},
                         {"inf", "is not a number; "},
                         {"1e999", "is not a number; "},

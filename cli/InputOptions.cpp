@@ -1,0 +1,57 @@
+#include "cli/InputOptions.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+
+#include "cli/CliError.h"
+#include "cli/Printable.h"
+#include "cli/input/FileContent.h"
+#include "cli/input/LineReader.h"
+#include "cli/output/ItemText.h"
+
+namespace korassoc::cli {
+
+void InputOptions::addTo(CLI::App& command) {
+  command.add_option("FILE", file_, "Baskets, a transaction a line; - reads standard input")
+      ->required()
+      ->type_name("");
+  command
+      .add_option("--separator", separator_,
+                  "What separates items: comma, semicolon, tab or blanks (default: recognised)")
+      ->type_name("NAME");
+}
+
+BasketInput InputOptions::read() const {
+  std::optional<Separator> separator;
+  if (separator_) {
+    separator = separatorFromName(*separator_);
+    if (!separator) {
+      throw CliError(
+          ExitCode::kUsage,
+          fmt::format("--separator {}: is none of comma, semicolon, tab and blanks", labelText(*separator_)));
+    }
+  }
+  return LineReader(separator).read(FileContent::open(file_));
+}
+
+void InputOptions::report(const BasketInput& input) const {
+  fmt::print(stderr, "input         {}: {}\n", file_ == "-" ? "standard input" : printable(file_),
+             input.format);
+  fmt::print(stderr, "transactions  {}\n", input.baskets.size());
+  fmt::print(stderr, "items         {} different, {} in all\n", input.names.size(),
+             input.baskets.occurrences());
+  if (input.emptyLines > 0) {
+    fmt::print(stderr, "passed over   {} lines without an item\n", input.emptyLines);
+  }
+  if (input.emptyItems > 0) {
+    fmt::print(stderr, "passed over   {} empty places between separators\n", input.emptyItems);
+  }
+  if (input.basketsWithRepeats > 0) {
+    fmt::print(stderr, "repeats       {} baskets name an item more than once; it counts once\n",
+               input.basketsWithRepeats);
+  }
+}
+
+}  // namespace korassoc::cli

@@ -1,0 +1,58 @@
+#include "cli/MineVerb.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+
+#include "cli/Mining.h"
+#include "cli/NoRules.h"
+#include "cli/Stopwatch.h"
+#include "cli/output/RuleTable.h"
+
+namespace korassoc::cli {
+
+void MineVerb::declare(CLI::App& command) {
+  input_.addTo(command);
+  rules_.addTo(command);
+  command.footer(
+      "Example: the rules that hold in at least half of the cases, of items that are together in 1% of the "
+      "baskets\n"
+      "  korassoc mine baskets.csv -s 1% -c 50%\n"
+      "and of these the ten with the highest lift that lead to whole milk\n"
+      "  korassoc mine baskets.csv -s 1% -c 50% --require-rhs \"whole milk\" --by lift --top 10");
+}
+
+void MineVerb::run(ResultStream& out) {
+  rules_.check();
+  Stopwatch total;
+  Stopwatch watch;
+  const BasketInput input = input_.read();
+  const double secondsReading = watch.lap();
+  const auto transactions = static_cast<int>(input.baskets.size());
+  const RuleQuery query = rules_.query(input.names, transactions);
+  input_.report(input);
+
+  Mining mining(input.baskets, rules_.thresholds().support());
+  mining.run();
+  mining.report();
+  const MiningFigures& figures = mining.figures();
+
+  watch.lap();
+  const std::vector<AssociationRule> rules = mining.rules(query);
+  const double secondsRules = watch.lap();
+  fmt::print(stderr, "rules         {}\n", rules.size());
+  if (rules.empty()) fmt::print(stderr, "no rules      {}\n", whyNoRules(mining, query));
+
+  watch.lap();
+  out.write("# " + rules_.describe(query, input.names) + "\n");
+  writeRuleTable(rules, input.names, transactions, out);
+  out.finish();
+  fmt::print(
+      stderr,
+      "seconds       reading {:.3f}, first pass {:.3f}, second pass {:.3f}, rules {:.3f}, writing {:.3f}, "
+      "in all {:.3f}\n",
+      secondsReading, figures.secondsPhaseI, figures.secondsPhaseII, secondsRules, watch.lap(), total.lap());
+}
+
+}  // namespace korassoc::cli

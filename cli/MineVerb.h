@@ -1,0 +1,23 @@
+// korassoc mine: the rules of a basket file.
+
+#pragma once
+
+#include "cli/InputOptions.h"
+#include "cli/RuleOptions.h"
+#include "cli/Verb.h"
+
+namespace korassoc::cli {
+
+class MineVerb : public Verb {
+ public:
+  std::string name() const override { return "mine"; }
+  std::string summary() const override { return "Print the association rules of a basket file"; }
+  void declare(CLI::App& command) override;
+  void run(ResultStream& out) override;
+
+ private:
+  InputOptions input_;
+  RuleOptions rules_;
+};
+
+}  // namespace korassoc::cli
