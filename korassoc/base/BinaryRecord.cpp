@@ -19,33 +19,18 @@ constexpr std::size_t kTrustedBytes = 65536;
 // The largest piece that is fetched ahead. More would only take the caches from those who use the values.
 constexpr std::size_t kFetchBytes = 32768;
 
-// The compiler makes one move of each of these where the machine is little-endian.
-void store32(char* to, std::uint32_t bits) {
-  for (int i = 0; i < 4; ++i) to[i] = static_cast<char>(static_cast<unsigned char>(bits >> (8 * i)));
-}
-
-std::uint32_t load32(const char* from) {
-  std::uint32_t bits = 0;
-  for (int i = 0; i < 4; ++i)
-    bits |= static_cast<std::uint32_t>(static_cast<unsigned char>(from[i])) << (8 * i);
-  return bits;
-}
-
 }  // namespace
-
-void storeInt32(char* to, std::int32_t value) { store32(to, std::bit_cast<std::uint32_t>(value)); }
-
-std::int32_t loadInt32(const char* from) { return std::bit_cast<std::int32_t>(load32(from)); }
 
 void storeFloat64(char* to, double value) {
   const auto bits = std::bit_cast<std::uint64_t>(value);
-  store32(to, static_cast<std::uint32_t>(bits));
-  store32(to + 4, static_cast<std::uint32_t>(bits >> 32));
+  storeInt32(to, static_cast<std::int32_t>(static_cast<std::uint32_t>(bits)));
+  storeInt32(to + 4, static_cast<std::int32_t>(static_cast<std::uint32_t>(bits >> 32)));
 }
 
 double loadFloat64(const char* from) {
-  return std::bit_cast<double>(static_cast<std::uint64_t>(load32(from)) |
-                               static_cast<std::uint64_t>(load32(from + 4)) << 32);
+  const auto low = static_cast<std::uint32_t>(loadInt32(from));
+  const auto high = static_cast<std::uint32_t>(loadInt32(from + 4));
+  return std::bit_cast<double>(static_cast<std::uint64_t>(low) | static_cast<std::uint64_t>(high) << 32);
 }
 
 BinaryWriter::~BinaryWriter() {
@@ -53,14 +38,6 @@ BinaryWriter::~BinaryWriter() {
     finish();
   } catch (...) {  // a stream that throws on failure; its state tells the rest
   }
-}
-
-char* BinaryWriter::room(std::size_t size) {
-  if (buffer_.size() - used_ < size) finish();
-  char* place = buffer_.data() + used_;
-  used_ += size;
-  count_ += size;
-  return place;
 }
 
 void BinaryWriter::int32(std::int32_t value) { storeInt32(room(kInt32Bytes), value); }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -20,8 +21,18 @@ inline constexpr std::size_t kInt32Bytes = 4;
 inline constexpr std::size_t kFloat64Bytes = 8;
 
 // One value in little-endian bytes, at a place that has room for it; for files with a layout of their own.
-void storeInt32(char* to, std::int32_t value);
-std::int32_t loadInt32(const char* from);
+inline void storeInt32(char* to, std::int32_t value) {
+  // The compiler makes one move of it where the machine is little-endian; of its counterpart as well.
+  const auto bits = std::bit_cast<std::uint32_t>(value);
+  for (int i = 0; i < 4; ++i) to[i] = static_cast<char>(static_cast<unsigned char>(bits >> (8 * i)));
+}
+inline std::int32_t loadInt32(const char* from) {
+  std::uint32_t bits = 0;
+  for (int i = 0; i < 4; ++i) {
+    bits |= static_cast<std::uint32_t>(static_cast<unsigned char>(from[i])) << (8 * i);
+  }
+  return std::bit_cast<std::int32_t>(bits);
+}
 void storeFloat64(char* to, double value);
 double loadFloat64(const char* from);
 
@@ -55,17 +66,25 @@ class BinaryWriter {
   void text(std::string_view characters);
   void bytes(const char* data, std::size_t size);
 
+  // A place for the next size bytes, to be filled at once. size is at most kLargestRoom.
+  char* room(std::size_t size) {
+    if (buffer_.size() - used_ < size) finish();
+    char* place = buffer_.data() + used_;
+    used_ += size;
+    count_ += size;
+    return place;
+  }
+  static constexpr std::size_t kLargestRoom = 256;
+
   // Hands everything gathered so far to the stream (without flushing the stream itself). Returns the bytes
   // written through this writer since it was made.
   std::uint64_t finish();
 
  private:
-  char* room(std::size_t size);  // a place for size <= capacity bytes in the buffer
-
   std::ostream& out_;
   std::uint64_t count_ = 0;
   std::size_t used_ = 0;
-  std::array<char, 256> buffer_;  // its first used_ bytes wait for the stream
+  std::array<char, kLargestRoom> buffer_;  // its first used_ bytes wait for the stream
 };
 
 // Reads one record, and counts its bytes. It never reads beyond what it is asked for, so the next reader
@@ -112,6 +131,16 @@ class BinaryReader {
   void expect(std::uint64_t bytes) {
     const std::size_t fetched = end_ - next_;
     expected_ = bytes > fetched ? bytes - fetched : 0;
+  }
+
+  // The next bytes, when so many have been fetched already; null otherwise. For who takes a part of the
+  // record at one look; take() goes past them.
+  const char* fetched(std::size_t size) const {
+    return end_ - next_ >= size ? fetched_.data() + next_ : nullptr;
+  }
+  void take(std::size_t size) {
+    next_ += size;
+    count_ += size;
   }
 
   // Bytes read through this reader.

@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "korassoc/base/Prefetch.h"
+
 namespace korassoc::detail {
 
 // An array of chain heads that takes memory for those in use, as long as they are few among very many:
@@ -36,6 +38,11 @@ class BucketArray {
   // The head itself, to be changed; it stays where it is until the next call.
   Node*& link(std::size_t index) { return !dense_.empty() ? dense_[index] : sparse_[index]; }
 
+  // Starts to fetch a head that is going to be asked for.
+  void prefetchLink(std::size_t index) const {
+    if (!dense_.empty()) prefetch(&dense_[index]);
+  }
+
   // Tells that a table is going to hold so many nodes.
   void prepareFor(std::size_t nodes) {
     if (dense_.empty() && std::max(nodes, sparse_.size()) > size_ / kBucketsPaidByANode) makeDense();
@@ -44,18 +51,28 @@ class BucketArray {
   // Calls visit(Node*&) for the heads in order of index; null ones may be left out.
   template <typename Visitor>
   void forEachHead(Visitor&& visit) {
-    for (Node*& head : dense_) visit(head);
-    for (auto& [index, head] : sparse_) visit(head);
+    visitHeads(dense_, sparse_, visit);
   }
   template <typename Visitor>
   void forEachHead(Visitor&& visit) const {
-    for (Node* const& head : dense_) visit(head);
-    for (const auto& [index, head] : sparse_) visit(head);
+    visitHeads(dense_, sparse_, visit);
   }
 
  private:
   static constexpr std::size_t kAlwaysDense = 1U << 18;  // 2 MiB of heads
   static constexpr std::size_t kBucketsPaidByANode = 64;
+
+  // The nodes lie scattered, so they are fetched a little ahead.
+  template <typename Dense, typename Sparse, typename Visitor>
+  static void visitHeads(Dense& dense, Sparse& sparse, Visitor& visit) {
+    constexpr std::size_t kAhead = 12;
+    const std::size_t size = dense.size();
+    for (std::size_t i = 0; i < size; ++i) {
+      if (i + kAhead < size) prefetch(dense[i + kAhead]);
+      visit(dense[i]);
+    }
+    for (auto& [index, head] : sparse) visit(head);
+  }
 
   void makeDense() {
     std::vector<Node*> heads(size_, nullptr);

@@ -1,17 +1,22 @@
 // The table's records, binary and XML, and the order that reading gives it.
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
+#include <cstring>
 #include <fstream>
 #include <iostream>
 #include <limits>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
 #include "korassoc/base/BinaryRecord.h"
+#include "korassoc/base/Prefetch.h"
 #include "korassoc/dictionary/DescriptorRecord.h"
 #include "korassoc/dictionary/HashTable.h"
 #include "korassoc/dictionary/SubsetIndex.h"
@@ -23,6 +28,7 @@
 using korassoc::detail::BinaryReader;
 using korassoc::detail::BinaryWriter;
 using korassoc::detail::kFrameLines;
+using korassoc::detail::prefetch;
 using KorAssocXML::XMLObj;
 
 namespace {
@@ -35,6 +41,9 @@ constexpr std::uint64_t kHeadBytes = 6;  // "HT" and the number of entries
 // Steps along chains that reading makes before it turns to another way of finding equal sets.
 constexpr std::int64_t kFreeSteps = 4096;
 constexpr std::int64_t kStepsOfAnEntry = 8;
+
+// The entries between one that is put into its chain and the one whose bucket is fetched.
+constexpr int kAhead = 16;
 
 // Entries on their way into a table, in the order in which they came. Memory grows with them, not with the
 // number that a record claims.
@@ -110,6 +119,59 @@ bool isRightLength(int length, int expected) { return expected == kAnyLength || 
   throw new IOException();
 }
 
+// The usual entry: a set that is not too long, with a descriptor of phase I. Its record is
+//
+//   "IS:" 0 | length | items ... | "CSD" | count | TID | max missed
+constexpr int kUsualLength = 16;
+constexpr std::string_view kUsualTag = "CSD";
+
+constexpr std::size_t usualSetBytes(int length) {
+  return korassoc::detail::kItemSetHeadBytes + 4 * static_cast<std::size_t>(length);
+}
+constexpr std::size_t usualBytes(int length) { return usualSetBytes(length) + kUsualTag.size() + 12; }
+static_assert(usualBytes(kUsualLength) <= BinaryWriter::kLargestRoom);
+
+// False, with nothing written, for any other entry.
+bool writeUsualEntry(BinaryWriter& record, const ItemSet& set, const SetCounter& descriptor) {
+  using korassoc::detail::storeInt32;
+  if (set.length() > kUsualLength || typeid(descriptor) != typeid(CarmaSetDescriptor)) return false;
+  const auto& counts = static_cast<const CarmaSetDescriptor&>(descriptor);
+  char* to = record.room(usualBytes(set.length()));
+  std::memcpy(to, korassoc::detail::kItemSetTag.data(), 4);
+  storeInt32(to + 4, set.length());
+  for (int i = 0; i < set.length(); ++i) storeInt32(to + 8 + 4 * i, set.getItemAt(i));
+  to += usualSetBytes(set.length());
+  std::memcpy(to, kUsualTag.data(), kUsualTag.size());
+  to += kUsualTag.size();
+  storeInt32(to, counts.count);
+  storeInt32(to + 4, counts.TID);
+  storeInt32(to + 8, counts.maxMissed);
+  return true;
+}
+
+// False, with nothing taken, for any other entry, and when its bytes are not all there.
+bool readUsualEntry(BinaryReader& record, char descriptorType, int setLength, EntryList& entries) {
+  using korassoc::detail::loadInt32;
+  if (descriptorType != korassoc::detail::kCarmaDescriptors || setLength < 0 || setLength > kUsualLength) {
+    return false;
+  }
+  const char* from = record.fetched(usualBytes(setLength));
+  if (from == nullptr || std::string_view(from, 4) != korassoc::detail::kItemSetTag ||
+      loadInt32(from + 4) != setLength ||
+      std::string_view(from + usualSetBytes(setLength), kUsualTag.size()) != kUsualTag) {
+    return false;
+  }
+  std::array<int, kUsualLength> items;
+  for (int i = 0; i < setLength; ++i) items[static_cast<std::size_t>(i)] = loadInt32(from + 8 + 4 * i);
+  auto set = std::make_unique<ItemSet>(items.data(), setLength);
+  from += usualSetBytes(setLength) + kUsualTag.size();
+  auto counts =
+      std::make_unique<CarmaSetDescriptor>(loadInt32(from), loadInt32(from + 4), loadInt32(from + 8));
+  record.take(usualBytes(setLength));
+  entries.append(std::move(set), std::move(counts));
+  return true;
+}
+
 void readEntry(BinaryReader& record, char descriptorType, int setLength, std::vector<int>& items,
                EntryList& entries) {
   int length = 0;
@@ -137,6 +199,26 @@ std::uint64_t readEntryXML(std::ifstream& in, char descriptorType, int setLength
   return lines + kFrameLines;
 }
 
+// Visits the entries in table order, their keys, items and descriptors fetched ahead: in a large table each
+// of them is a miss in all caches.
+template <typename Visitor>
+void forEachFetched(const HashTable& table, Visitor&& visit) {
+  std::array<const Entry*, 32> entries;
+  std::size_t count = 0;
+  const auto flush = [&] {
+    for (std::size_t i = 0; i < count; ++i) prefetch(entries[i]->key->getTheArray());
+    for (std::size_t i = 0; i < count; ++i) visit(*entries[i]);
+    count = 0;
+  };
+  table.forEach([&](const Entry& entry) {
+    prefetch(entry.key);
+    prefetch(entry.descriptor);
+    entries[count++] = &entry;
+    if (count == entries.size()) flush();
+  });
+  flush();
+}
+
 std::uint64_t refusedTable(const char* line) {
   std::cout << line;
   return 0;
@@ -149,12 +231,13 @@ std::uint64_t HashTable::writeObject(std::fstream& stream) const {
   std::uint64_t besides = 0;
   record.tag("HT");
   record.int32(count_);
-  forEach([&](const Entry& entry) {
+  const SetCounter nothing;
+  forEachFetched(*this, [&](const Entry& entry) {
     if (!stream.good()) return;
-    const SetCounter nothing;
+    const SetCounter& descriptor = entry.descriptor != nullptr ? *entry.descriptor : nothing;
+    if (writeUsualEntry(record, *entry.key, descriptor)) return;
     korassoc::detail::writeItems(record, *entry.key);
-    besides += korassoc::detail::writeDescriptor(stream, record,
-                                                 entry.descriptor != nullptr ? *entry.descriptor : nothing);
+    besides += korassoc::detail::writeDescriptor(stream, record, descriptor);
   });
   return record.finish() + besides;
 }
@@ -184,6 +267,7 @@ std::uint64_t HashTable::readLevel(std::fstream& stream, char descriptorType, in
   std::vector<int> items;
   for (int i = 0; i < entries; ++i) {
     record.expect(static_cast<std::uint64_t>(entries - i) * leastBytes);
+    if (readUsualEntry(record, descriptorType, setLength, list)) continue;
     readEntry(record, descriptorType, setLength, items, list);
   }
   takeOver(list.release(), entries);
@@ -196,9 +280,9 @@ std::uint64_t HashTable::writeObjectXML(std::ostream& out, int tabs) const {
   table.StartObj(out);
   table.WriteSubElement(out, count_);
   std::uint64_t lines = kFrameLines + 1;
-  forEach([&](const Entry& entry) {
+  const SetCounter nothing;
+  forEachFetched(*this, [&](const Entry& entry) {
     if (!out.good()) return;
-    const SetCounter nothing;
     pair.StartObj(out);
     lines += entry.key->writeObjectXML(out, tabs + 2);
     lines += (entry.descriptor != nullptr ? *entry.descriptor : nothing).writeObjectXML(out, tabs + 2);
@@ -238,7 +322,13 @@ void HashTable::takeOver(Entry* first, int entries) {
   resetBuckets(bucketsFor(entries));
   std::optional<KnownSets> known;
   std::int64_t stepsLeft = kFreeSteps;
+  const Entry* ahead = list.front();
+  for (int i = 0; i < kAhead && ahead != nullptr; ++i) ahead = ahead->next;
   while (Entry* entry = list.front()) {
+    if (ahead != nullptr) {
+      buckets_.prefetchLink(indexOf(ahead->key->hashcode()));
+      ahead = ahead->next;
+    }
     stepsLeft += kStepsOfAnEntry;
     if (!known && stepsLeft < 0) {
       known.emplace(entries);
