@@ -8,9 +8,12 @@ namespace {
 
 using Buckets = korassoc::detail::BucketArray<HashTable::Entry>;
 
-bool sameSet(const ItemSet& stored, const ItemSetView& set) {
-  if (stored.hashcode() != set.hash || stored.length() != set.length) return false;
-  return std::equal(set.items, set.items + set.length, stored.getTheArray());
+bool sameItems(const ItemSet& stored, const ItemSetView& set) {
+  return stored.length() == set.length && std::equal(set.items, set.items + set.length, stored.getTheArray());
+}
+
+std::uint64_t codeOf(const ItemSet& set) {
+  return korassoc::detail::setCode(set.getTheArray(), set.length());
 }
 
 }  // namespace
@@ -27,7 +30,9 @@ HashTable::HashTable(const HashTable& other)
     other.forEach([&](const Entry& entry) {
       const std::size_t index = indexOf(entry.key->hashcode());
       Entry*& end = buckets_.head(index) == nullptr ? buckets_.link(index) : last->next;
+      index_.makeRoom();
       end = last = new Entry{entry.key, entry.descriptor, nullptr};
+      index_.add(codeOf(*entry.key), last);
       ++count_;
     });
   } catch (...) {
@@ -43,15 +48,21 @@ HashTable::~HashTable() {
 }
 
 void HashTable::deleteContents() {
-  buckets_.forEachHead([](Entry*& head) {
-    while (head != nullptr) {
-      Entry* entry = std::exchange(head, head->next);
-      delete entry->key;
-      delete entry->descriptor;
-      delete entry;
-    }
+  buckets_.forEachHead([this](Entry*& head) {
+    while (head != nullptr) release(std::exchange(head, head->next));
   });
+  index_.clear();
   count_ = 0;
+}
+
+void HashTable::deleteKey(Entry& entry) {
+  if (!entry.pooled || !korassoc::detail::EntryPool<Entry>::holdsKey(entry)) delete entry.key;
+}
+
+void HashTable::replaceDescriptor(Entry& entry, SetCounter* descriptor) {
+  if (entry.descriptor == descriptor) return;
+  if (!entry.pooled || !korassoc::detail::EntryPool<Entry>::holdsDescriptor(entry)) delete entry.descriptor;
+  entry.descriptor = descriptor;
 }
 
 void HashTable::setBucketCount(int count) {
@@ -71,8 +82,11 @@ void HashTable::putReplace(ItemSet* set, SetCounter* descriptor) {
     putNew(set, descriptor);
     return;
   }
-  if (entry->key != set) delete std::exchange(entry->key, set);
-  if (entry->descriptor != descriptor) delete std::exchange(entry->descriptor, descriptor);
+  if (entry->key != set) {
+    deleteKey(*entry);
+    entry->key = set;
+  }
+  replaceDescriptor(*entry, descriptor);
 }
 
 void HashTable::putNew(ItemSet* set, SetCounter* descriptor) {
@@ -82,12 +96,21 @@ void HashTable::putNew(ItemSet* set, SetCounter* descriptor) {
   hang(node);
 }
 
+HashTable::Entry* HashTable::emplace(const ItemSetView& set, const CarmaSetDescriptor& descriptor) {
+  ItemSet key(set.items, set.length);
+  makeRoom(key);
+  Entry* entry = pool_.take(std::move(key), descriptor);
+  hang(entry);
+  return entry;
+}
+
 // Makes the table large enough for one entry more, so that nothing can fail when it is hung into its chain.
 void HashTable::makeRoom(const ItemSet& set) {
   if (buckets_.empty()) buckets_ = Buckets(static_cast<std::size_t>(bucketCount_));
   if (count_ >= threshold_) rehash();
   buckets_.prepareFor(static_cast<std::size_t>(count_) + 1);
   buckets_.link(indexOf(set.hashcode()));
+  index_.makeRoom();
 }
 
 // Puts an entry at the head of its chain.
@@ -95,6 +118,7 @@ void HashTable::hang(Entry* entry) {
   Entry*& head = buckets_.link(indexOf(entry->key->hashcode()));
   entry->next = head;
   head = entry;
+  index_.add(codeOf(*entry->key), entry);
   ++count_;
 }
 
@@ -116,32 +140,32 @@ void HashTable::rehash() {
   });
 }
 
-HashTable::Entry** HashTable::findLink(const ItemSetView& set) {
-  if (buckets_.empty()) return nullptr;
-  const std::size_t index = indexOf(set.hash);
-  if (buckets_.head(index) == nullptr) return nullptr;
-  for (Entry** link = &buckets_.link(index); *link != nullptr; link = &(*link)->next) {
-    if (sameSet(*(*link)->key, set)) return link;
-  }
-  return nullptr;
-}
-
 HashTable::Entry* HashTable::find(const ItemSetView& set) const {
-  if (buckets_.empty()) return nullptr;
-  for (Entry* entry = buckets_.head(indexOf(set.hash)); entry != nullptr; entry = entry->next) {
-    if (sameSet(*entry->key, set)) return entry;
-  }
-  return nullptr;
+  return index_.find(set.code, [&set](const Entry& entry) { return sameItems(*entry.key, set); });
 }
 
-HashTable::Entry* HashTable::find(const ItemSet* set) const { return find(ItemSetView(*set)); }
+// Sets are equal when their hash codes are, too: a set that lost items since its code was computed finds
+// nothing.
+HashTable::Entry* HashTable::find(const ItemSet* set) const {
+  return index_.find(codeOf(*set), [set](const Entry& entry) { return *entry.key == *set; });
+}
+
+// The link of its chain that leads to a stored entry.
+HashTable::Entry** HashTable::linkTo(const Entry& entry) {
+  Entry** link = &buckets_.link(indexOf(entry.key->hashcode()));
+  while (*link != &entry) link = &(*link)->next;
+  return link;
+}
 
 HashTable::Entry* HashTable::remove(const ItemSetView& set) {
-  Entry** link = findLink(set);
-  return link != nullptr ? unlink(link) : nullptr;
+  const Entry* entry = find(set);
+  return entry != nullptr ? unlink(linkTo(*entry)) : nullptr;
 }
 
-HashTable::Entry* HashTable::remove(const ItemSet* set) { return remove(ItemSetView(*set)); }
+HashTable::Entry* HashTable::remove(const ItemSet* set) {
+  const Entry* entry = find(set);
+  return entry != nullptr ? unlink(linkTo(*entry)) : nullptr;
+}
 
 bool HashTable::contains(const ItemSet* set) const { return find(set) != nullptr; }
 
@@ -149,11 +173,23 @@ HashTable::Entry* HashTable::unlink(Entry** link) {
   Entry* entry = *link;
   *link = entry->next;
   entry->next = nullptr;
+  index_.remove(codeOf(*entry->key), entry);
   --count_;
   return entry;
 }
 
+void HashTable::release(Entry* entry) {
+  deleteKey(*entry);
+  replaceDescriptor(*entry, nullptr);
+  recycle(entry);
+}
+
+// Takes an entry whose key and descriptor are gone or not the table's any more.
 void HashTable::recycle(Entry* entry) {
+  if (entry->pooled) {
+    pool_.give(entry);
+    return;
+  }
   if (freeCount_ >= count_ / 8 + 64) {
     delete entry;
     return;
@@ -173,6 +209,7 @@ void HashTable::clear() {
   buckets_.forEachHead([this](Entry*& head) {
     while (head != nullptr) recycle(std::exchange(head, head->next));
   });
+  index_.clear();
   count_ = 0;
 }
 

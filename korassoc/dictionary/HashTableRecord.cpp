@@ -8,7 +8,6 @@
 #include <iostream>
 #include <limits>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <typeinfo>
@@ -19,7 +18,6 @@
 #include "korassoc/base/Prefetch.h"
 #include "korassoc/dictionary/DescriptorRecord.h"
 #include "korassoc/dictionary/HashTable.h"
-#include "korassoc/dictionary/SubsetIndex.h"
 #include "korassoc/engine/Exceptions.h"
 #include "korassoc/itemsets/ItemSetRecord.h"
 #include "korassoc/xml/XMLObj.h"
@@ -37,10 +35,6 @@ using Entry = HashTable::Entry;
 
 constexpr int kAnyLength = -1;
 constexpr std::uint64_t kHeadBytes = 6;  // "HT" and the number of entries
-
-// Steps along chains that reading makes before it turns to another way of finding equal sets.
-constexpr std::int64_t kFreeSteps = 4096;
-constexpr std::int64_t kStepsOfAnEntry = 8;
 
 // The entries between one that is put into its chain and the one whose bucket is fetched.
 constexpr int kAhead = 16;
@@ -77,30 +71,6 @@ class EntryList {
  private:
   Entry* first_;
   Entry* last_ = nullptr;  // of what was appended
-};
-
-// Sets by a hash code that spreads whatever they hold. Reading turns to it when the chains of a table grow
-// long, as those of a record made for that purpose do.
-class KnownSets {
- public:
-  explicit KnownSets(int most)
-      : slots_(static_cast<std::size_t>(most) + static_cast<std::size_t>(most) / 3 + 1) {}
-
-  // False when an equal set is there already.
-  bool add(const ItemSet& set) {
-    // The hash code's upper half picks the slot: its share of 2^32 is the slot's share of them all.
-    std::uint64_t slot =
-        ((korassoc::detail::SubsetIndex::hashOf(set.getTheArray(), set.length()) >> 32U) * slots_.size()) >>
-        32U;
-    for (; slots_[slot] != nullptr; slot = slot + 1 < slots_.size() ? slot + 1 : 0) {
-      if (*slots_[slot] == set) return false;
-    }
-    slots_[slot] = &set;
-    return true;
-  }
-
- private:
-  std::vector<const ItemSet*> slots_;  // open addressing, linear; at most three quarters full
 };
 
 // The number of buckets of a table that is read with so many entries: never a multiple of 2 or 3, but for the
@@ -320,8 +290,6 @@ std::uint64_t HashTable::readLevelXML(std::ifstream& in, char descriptorType, in
 void HashTable::takeOver(Entry* first, int entries) {
   EntryList list(first);
   resetBuckets(bucketsFor(entries));
-  std::optional<KnownSets> known;
-  std::int64_t stepsLeft = kFreeSteps;
   const Entry* ahead = list.front();
   for (int i = 0; i < kAhead && ahead != nullptr; ++i) ahead = ahead->next;
   while (Entry* entry = list.front()) {
@@ -329,27 +297,11 @@ void HashTable::takeOver(Entry* first, int entries) {
       buckets_.prefetchLink(indexOf(ahead->key->hashcode()));
       ahead = ahead->next;
     }
-    stepsLeft += kStepsOfAnEntry;
-    if (!known && stepsLeft < 0) {
-      known.emplace(entries);
-      forEach([&known](const Entry& stored) { known->add(*stored.key); });
-    }
-    const bool isNew = known ? known->add(*entry->key) : isNewInChain(*entry->key, stepsLeft);
-    if (isNew) {
+    if (find(entry->key) == nullptr) {
       makeRoom(*entry->key);
       hang(list.popFront());
     } else {
       list.deleteFront();
     }
   }
-}
-
-// Whether no set of the chain is equal. Takes the steps that it makes from stepsLeft.
-bool HashTable::isNewInChain(const ItemSet& set, std::int64_t& stepsLeft) const {
-  if (buckets_.empty()) return true;
-  for (const Entry* entry = buckets_.head(indexOf(set.hashcode())); entry != nullptr; entry = entry->next) {
-    if (*entry->key == set) return false;
-    --stepsLeft;
-  }
-  return true;
 }

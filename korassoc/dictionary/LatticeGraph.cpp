@@ -26,7 +26,7 @@ void LatticeGraph::linkDown() {
   for (int level = 0; level < levels(); ++level) {
     for (int node = levelBegin(level); node < levelBegin(level + 1); ++node) {
       const ItemSet& whole = set(node);
-      const std::uint64_t hash = SubsetIndex::hashOf(whole.getTheArray(), whole.length());
+      const std::uint64_t hash = setCode(whole.getTheArray(), whole.length());
       for (int omitted = 0; omitted < whole.length(); ++omitted) {
         const int number = indexes_[static_cast<std::size_t>(level - 1)].findWithout(whole, hash, omitted);
         down_.push_back(number != SubsetIndex::kNone ? levelBegin(level - 1) + number : kNone);

@@ -7,6 +7,7 @@
 #include <iosfwd>
 #include <memory>
 #include <set>
+#include <utility>
 #include <vector>
 
 #include "korassoc/base/Export.h"
@@ -19,6 +20,7 @@
 #include "korassoc/itemsets/ItemSetView.h"
 #include "korassoc/itemsets/OrderedArray.h"
 
+class CarmaSetDescriptor;
 class DictionarySettings;
 class SpillStore;
 
@@ -220,12 +222,14 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   // incrementSet() that also tells where the stored items are (those of the argument for a set on disk).
   Counted increment(const ItemSetView& set);
   SetCounter* find(const ItemSetView& set);
-  int add(const ItemSetView& set, std::unique_ptr<SetCounter>& descriptor);
+  // addSet() of a copy of the set with a copy of the descriptor, without an allocation of its own where there
+  // is room.
+  int add(const ItemSetView& set, const CarmaSetDescriptor& descriptor);
   // Between the two calls evicted sets stay usable, with their last values.
   void holdEvicted() { holdsEvicted_ = true; }
   void releaseEvicted();
   // How many are held so, and letting go of those whose descriptor is not among the used ones (ascending).
-  int heldEvicted() const { return static_cast<int>(evictedSets_.size()); }
+  int heldEvicted() const { return static_cast<int>(evicted_.size()); }
   void releaseEvictedBut(const std::vector<const SetCounter*>& used);
 
   // --- Queries ---
@@ -308,12 +312,11 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   bool latticeBuilt_ = false;
   int fixedSetCount_;
   int recordedSpillLevel_ = kSpillLevel;  // of a saved state; the store serves kSpillLevel all the same
-  std::vector<int> selected_;  // the items of an index selection during one call
+  std::vector<int> selected_;             // the items of an index selection during one call
   int setsGivenUp_ = 0;
   int setsSpilled_ = 0;
   bool holdsEvicted_ = false;
-  std::vector<std::unique_ptr<ItemSet>> evictedSets_;
-  std::vector<std::unique_ptr<SetCounter>> evictedDescriptors_;
+  std::vector<std::pair<HashTable*, HashTable::Entry*>> evicted_;  // out of their tables, not yet released
   std::vector<std::unique_ptr<ItemSet>>
       refusedCopies_;  // duplicates that stand in the small queue all the same
   KorAssoc::KorStatus status_;

@@ -5,6 +5,7 @@
 #include <iostream>
 #include <utility>
 
+#include "korassoc/dictionary/CarmaSetDescriptor.h"
 #include "korassoc/dictionary/LatticeGraph.h"
 #include "korassoc/dictionary/SetDictionary.h"
 #include "korassoc/dictionary/SpillStore.h"
@@ -80,9 +81,16 @@ int SetDictionary::addSet(const OrderedArray& values, const OrderedArray& index,
   return answer;
 }
 
-int SetDictionary::add(const ItemSetView& set, std::unique_ptr<SetCounter>& descriptor) {
-  const int answer = addSet(set.items, set.length, descriptor.get());
-  if (answer == kStored) static_cast<void>(descriptor.release());
+int SetDictionary::add(const ItemSetView& set, const CarmaSetDescriptor& descriptor) {
+  if (inStoreCount_ < maxInStoreSets_ && leaveInMainStoreCount_ < 1 && set.length <= maxLevel_) {
+    graph_.reset();
+    table(set.length).emplace(set, descriptor);
+    ++inStoreCount_;
+    return kStored;
+  }
+  auto owned = std::make_unique<CarmaSetDescriptor>(descriptor);
+  const int answer = addSet(set.items, set.length, owned.get());
+  if (answer == kStored) static_cast<void>(owned.release());
   return answer;
 }
 
@@ -163,33 +171,28 @@ int SetDictionary::addBySpilling(std::unique_ptr<ItemSet> set, SetCounter* descr
 
 // Deletes a removed entry with its set and descriptor; while a step runs they live on until it ends.
 void SetDictionary::discard(HashTable::Entry* entry, HashTable& table) {
-  std::unique_ptr<ItemSet> set(entry->key);
-  std::unique_ptr<SetCounter> descriptor(entry->descriptor);
-  table.recycle(entry);
-  smallQueue_.unlink(set.get());
+  smallQueue_.unlink(entry->key);
   if (holdsEvicted_) {
-    evictedSets_.push_back(std::move(set));
-    evictedDescriptors_.push_back(std::move(descriptor));
+    evicted_.emplace_back(&table, entry);
+  } else {
+    table.release(entry);
   }
 }
 
 void SetDictionary::releaseEvicted() {
-  evictedSets_.clear();
-  evictedDescriptors_.clear();
+  for (const auto& [table, entry] : evicted_) table->release(entry);
+  evicted_.clear();
   holdsEvicted_ = false;
 }
 
 void SetDictionary::releaseEvictedBut(const std::vector<const SetCounter*>& used) {
-  std::size_t kept = 0;
-  for (std::size_t i = 0; i < evictedSets_.size(); ++i) {
-    const SetCounter* descriptor = evictedDescriptors_[i].get();
-    if (!std::binary_search(used.begin(), used.end(), descriptor, std::less<>())) continue;
-    std::swap(evictedSets_[kept], evictedSets_[i]);
-    std::swap(evictedDescriptors_[kept], evictedDescriptors_[i]);
-    ++kept;
-  }
-  evictedSets_.resize(kept);
-  evictedDescriptors_.resize(kept);
+  std::erase_if(evicted_, [&used](const auto& evicted) {
+    const auto& [table, entry] = evicted;
+    const SetCounter* descriptor = entry->descriptor;
+    if (std::binary_search(used.begin(), used.end(), descriptor, std::less<>())) return false;
+    table->release(entry);
+    return true;
+  });
 }
 
 void SetDictionary::createSpillStore() {

@@ -31,7 +31,7 @@ void SetDictionary::replaceDescriptor(HashTable::Entry& entry) {
   const SetCounter nothing;
   const SetCounter& former = entry.descriptor != nullptr ? *entry.descriptor : nothing;
   auto links = std::make_unique<LatticeSetDescriptor>(former.count, former.getTID(), former.getMaxMissed());
-  delete std::exchange(entry.descriptor, links.release());
+  HashTable::replaceDescriptor(entry, links.release());
 }
 
 void SetDictionary::buildLattice() {
@@ -47,7 +47,7 @@ void SetDictionary::buildLattice() {
     }
   }
   if (empty != nullptr) {
-    delete std::exchange(empty->descriptor, bottom.release());
+    HashTable::replaceDescriptor(*empty, bottom.release());
   } else {
     auto set = std::make_unique<ItemSet>();
     table(0).put(set.get(), bottom.get());
@@ -81,7 +81,7 @@ void SetDictionary::linkLevels() {
 
 void SetDictionary::linkSubsets(const ItemSet& set, const korassoc::detail::SubsetIndex& subsets, int level) {
   using korassoc::detail::SubsetIndex;
-  const std::uint64_t hash = SubsetIndex::hashOf(set.getTheArray(), set.length());
+  const std::uint64_t hash = korassoc::detail::setCode(set.getTheArray(), set.length());
   for (int left = 0; left < set.length(); ++left) {
     const int number = subsets.findWithout(set, hash, left);
     if (number != SubsetIndex::kNone) {

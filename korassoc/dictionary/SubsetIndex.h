@@ -27,10 +27,9 @@ class SubsetIndex {
   HashTable::Entry* entry(int number) const { return entries_[static_cast<std::size_t>(number)]; }
   int size() const { return static_cast<int>(entries_.size()); }
 
-  // The hash code of a set, from which those of its subsets follow.
-  static std::uint64_t hashOf(const int* items, int length);
-  // The number of the entry that holds set without the item at position omitted, or kNone. hash: that of set.
-  int findWithout(const ItemSet& set, std::uint64_t hash, int omitted) const;
+  // The number of the entry that holds set without the item at position omitted, or kNone. code: that of set
+  // (ItemCode).
+  int findWithout(const ItemSet& set, std::uint64_t code, int omitted) const;
   // The number of the entry that holds the set, or kNone.
   int find(const int* items, int length) const;
 

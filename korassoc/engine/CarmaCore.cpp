@@ -3,12 +3,11 @@
 #include <algorithm>
 #include <functional>
 #include <limits>
-#include <memory>
 
 #include "korassoc/dictionary/CarmaSetDescriptor.h"
 #include "korassoc/engine/Exceptions.h"
 #include "korassoc/itemsets/CountBound.h"
-#include "korassoc/itemsets/ItemHash.h"
+#include "korassoc/itemsets/ItemCode.h"
 
 using KorAssoc::KorStatus;
 
@@ -93,40 +92,38 @@ bool CarmaCore::handleItem(SetDictionary& dictionary, const int& item, const Bou
   }
   if (counted.descriptor->count < bounds.extendFrom || maxLengthSet_ < 2) return true;
   const std::size_t parents = work_.size();
-  work_.push_back({counted.items, 1, single.hash, counted.descriptor});
+  work_.push_back({counted.items, 1, single.code, counted.descriptor});
   for (std::size_t i = 0; i < parents; ++i) {
     const Found parent = work_[i];  // extend() may move the list
-    if (!extend(dictionary, parent, item, *counted.descriptor, bounds)) return false;
+    if (!extend(dictionary, parent, single, *counted.descriptor, bounds)) return false;
   }
   return true;
 }
 
 // Counts parent with item added, or makes it a candidate. False when the dictionary refused it.
-bool CarmaCore::extend(SetDictionary& dictionary, const Found& parent, int item, const SetCounter& single,
-                       const Bounds& bounds) {
+bool CarmaCore::extend(SetDictionary& dictionary, const Found& parent, const ItemSetView& item,
+                       const SetCounter& single, const Bounds& bounds) {
   const int length = parent.length + 1;
   candidate_.assign(parent.items, parent.items + parent.length);
-  candidate_.push_back(item);
+  candidate_.push_back(item.items[0]);
   longestCandidate_ = std::max(longestCandidate_, length);
-  const ItemSetView set(candidate_.data(), length,
-                        parent.hash ^ korassoc::detail::hashPart(item, parent.length));
+  const ItemSetView set(candidate_.data(), length, parent.code + item.code);
   const SetDictionary::Counted counted = dictionary.increment(set);
   if (counted.descriptor != nullptr) {
-    if (length < maxLengthSet_) work_.push_back({counted.items, length, set.hash, counted.descriptor});
+    if (length < maxLengthSet_) work_.push_back({counted.items, length, set.code, counted.descriptor});
     return true;
   }
   const long long parentBound = upperBound(*parent.descriptor) - 1;  // before this transaction
   if (parentBound + 1 < bounds.supportBound) return true;
   long long missed = 0;
-  if (!boundMissed(dictionary, parent, single, bounds, parentBound, missed)) return true;
+  if (!boundMissed(dictionary, set, single, bounds, parentBound, missed)) return true;
   return add(dictionary, set, toCount(missed));
 }
 
 // Stores a set that was met for the first time. False when the dictionary refused it.
 bool CarmaCore::add(SetDictionary& dictionary, const ItemSetView& set, int missed) {
-  std::unique_ptr<SetCounter> descriptor = std::make_unique<CarmaSetDescriptor>(1, nTrans_, missed);
   longAdded_ = std::max(longAdded_, set.length);
-  const bool stored = dictionary.add(set, descriptor) == 0;
+  const bool stored = dictionary.add(set, CarmaSetDescriptor(1, nTrans_, missed)) == 0;
   releaseUnused(dictionary);
   return stored;
 }
@@ -145,9 +142,9 @@ void CarmaCore::releaseUnused(SetDictionary& dictionary) {
 }
 
 // How many occurrences the candidate can have missed, at most. False when it cannot reach the support.
-bool CarmaCore::boundMissed(SetDictionary& dictionary, const Found& parent, const SetCounter& single,
+bool CarmaCore::boundMissed(SetDictionary& dictionary, const ItemSetView& candidate, const SetCounter& single,
                             const Bounds& bounds, long long parentBound, long long& missed) {
-  if (parent.length + 1 > 2) return checkSubsets(dictionary, bounds, parentBound, missed);
+  if (candidate.length > 2) return checkSubsets(dictionary, candidate, bounds, parentBound, missed);
   missed = std::min<long long>(single.count - 1LL, parentBound);
   missed = std::min<long long>(missed, bounds.missedBefore + 1LL);
   return missed + 1 >= bounds.supportBound;
@@ -155,16 +152,16 @@ bool CarmaCore::boundMissed(SetDictionary& dictionary, const Found& parent, cons
 
 // The candidate's subsets without one of the parent's items each: stored before this transaction and able to
 // reach the support, all of them.  (Hidber, SIGMOD 1999, section 3.2)
-bool CarmaCore::checkSubsets(SetDictionary& dictionary, const Bounds& bounds, long long parentBound,
-                             long long& missed) {
-  const std::size_t length = candidate_.size();
-  missed = std::min({nTrans_ - 1LL, parentBound, static_cast<long long>(length) - 1 + bounds.missedBefore});
-  for (std::size_t left = 0; left + 1 < length; ++left) {
-    subset_.clear();
-    for (std::size_t i = 0; i < length; ++i) {
-      if (i != left) subset_.push_back(candidate_[i]);
-    }
-    const SetCounter* subset = dictionary.find({subset_.data(), static_cast<int>(subset_.size())});
+bool CarmaCore::checkSubsets(SetDictionary& dictionary, const ItemSetView& candidate, const Bounds& bounds,
+                             long long parentBound, long long& missed) {
+  const int length = candidate.length;
+  missed = std::min({nTrans_ - 1LL, parentBound, length - 1LL + bounds.missedBefore});
+  for (int left = 0; left < length - 1; ++left) {
+    const int* const items = candidate.items;
+    subset_.assign(items, items + left);
+    subset_.insert(subset_.end(), items + left + 1, items + length);
+    const std::uint64_t code = candidate.code - korassoc::detail::itemCode(items[left]);
+    const SetCounter* subset = dictionary.find({subset_.data(), length - 1, code});
     if (subset == nullptr || subset->getTID() >= nTrans_) return false;
     const long long bound = upperBound(*subset);
     if (bounds.averageSupport > static_cast<double>(bound) / nTrans_) return false;

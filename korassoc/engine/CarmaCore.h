@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "korassoc/dictionary/SetDictionary.h"
@@ -63,7 +64,7 @@ class CarmaCore {
   struct Found {
     const int* items;  // as stored in the dictionary; of a set on disk, in items_
     int length;
-    int hash;
+    std::uint64_t code;
     SetCounter* descriptor;
   };
   // What the step decides by, computed once for a transaction.
@@ -76,12 +77,12 @@ class CarmaCore {
 
   void fetch(const Transaction& transaction);
   bool handleItem(SetDictionary& dictionary, const int& item, const Bounds& bounds);
-  bool extend(SetDictionary& dictionary, const Found& parent, int item, const SetCounter& single,
-              const Bounds& bounds);
-  bool boundMissed(SetDictionary& dictionary, const Found& parent, const SetCounter& single,
+  bool extend(SetDictionary& dictionary, const Found& parent, const ItemSetView& item,
+              const SetCounter& single, const Bounds& bounds);
+  bool boundMissed(SetDictionary& dictionary, const ItemSetView& candidate, const SetCounter& single,
                    const Bounds& bounds, long long parentBound, long long& missed);
-  bool checkSubsets(SetDictionary& dictionary, const Bounds& bounds, long long parentBound,
-                    long long& missed);
+  bool checkSubsets(SetDictionary& dictionary, const ItemSetView& candidate, const Bounds& bounds,
+                    long long parentBound, long long& missed);
   bool add(SetDictionary& dictionary, const ItemSetView& set, int missed);
   void releaseUnused(SetDictionary& dictionary);
 

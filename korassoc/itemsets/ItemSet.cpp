@@ -13,17 +13,18 @@
 
 namespace {
 
+using korassoc::detail::ItemStorage;
 using korassoc::detail::lengthSum;
 using korassoc::detail::newInts;
 
-std::unique_ptr<int[]> copyOf(const int* items, int n) {
-  std::unique_ptr<int[]> copy = newInts(n);
+ItemStorage copyOf(const int* items, int n) {
+  ItemStorage copy(n);
   std::copy_n(items, n, copy.get());
   return copy;
 }
 
-std::unique_ptr<int[]> selectionOf(const int* values, const int* index, int n) {
-  std::unique_ptr<int[]> selection = newInts(n);
+ItemStorage selectionOf(const int* values, const int* index, int n) {
+  ItemStorage selection(n);
   for (int i = 0; i < n; ++i) {
     selection[static_cast<std::size_t>(i)] = values[index[i]];
   }
@@ -31,8 +32,8 @@ std::unique_ptr<int[]> selectionOf(const int* values, const int* index, int n) {
 }
 
 // The n items with item before the first that is not smaller.
-std::unique_ptr<int[]> insertion(const int* items, int n, int item) {
-  std::unique_ptr<int[]> result = newInts(lengthSum(n, 1));
+ItemStorage insertion(const int* items, int n, int item) {
+  ItemStorage result(lengthSum(n, 1));
   const int* const end = items + n;
   const int* const place = std::find_if(items, end, [item](int other) { return other >= item; });
   int* out = std::copy(items, place, result.get());
@@ -121,7 +122,7 @@ ItemSet::ItemSet(const int* items, int n)
 }
 
 ItemSet::ItemSet(const ItemSet& a, const ItemSet& b)
-    : items_(newInts(a.length_)), length_(0), hashCode_(0), next_(nullptr), prev_(nullptr) {
+    : items_(a.length_), length_(0), hashCode_(0), next_(nullptr), prev_(nullptr) {
   const int* const bItems = b.items_.get();
   const int* const bEnd = bItems + b.length_;
   for (int i = 0; i < a.length_; ++i) {
@@ -190,7 +191,7 @@ bool ItemSet::hasItem(int item) const { return getItemIndex(item) >= 0; }
 ItemSet* ItemSet::omit(int position) const {
   assert(position >= 0 && position < length_);
   auto result = std::make_unique<ItemSet>();
-  result->items_ = newInts(length_ - 1);
+  result->items_ = ItemStorage(length_ - 1);
   result->length_ = length_ - 1;
   const int* const from = items_.get();
   int* const out = std::copy_n(from, position, result->items_.get());

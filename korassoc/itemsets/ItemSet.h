@@ -5,9 +5,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
-#include <memory>
 
 #include "korassoc/base/Export.h"
+#include "korassoc/itemsets/ItemStorage.h"
 
 class OrderedArray;
 
@@ -115,7 +115,7 @@ class KORASSOC_EXPORT ItemSet {
  private:
   void itemSetHash();  // brings the hash code up to date
 
-  std::unique_ptr<int[]> items_;  // at least length_ long; null until there is a first item
+  korassoc::detail::ItemStorage items_;  // at least length_ long; null until there is a first item
   int length_;
   int hashCode_;
   ItemSet* next_;  // not owned

@@ -2,20 +2,22 @@
 
 #pragma once
 
-#include "korassoc/itemsets/ItemHash.h"
+#include <cstdint>
+
+#include "korassoc/itemsets/ItemCode.h"
 #include "korassoc/itemsets/ItemSet.h"
 
-// The ascending items of a set with their hash code: the one form to which every form of a set argument
-// (array, index selection, single item, ItemSet) is reduced before it is looked up. Owns nothing.
+// The ascending items of a set with their code: the one form to which every form of a set argument (array,
+// index selection, single item, ItemSet) is reduced before it is looked up. Owns nothing.
 struct ItemSetView {
   ItemSetView(const int* setItems, int setLength)
-      : ItemSetView(setItems, setLength, korassoc::detail::hashItems(setItems, setLength)) {}
-  // For callers that know the hash code already.
-  ItemSetView(const int* setItems, int setLength, int hashCode)
-      : items(setItems), length(setLength), hash(hashCode) {}
-  explicit ItemSetView(const ItemSet& set) : ItemSetView(set.getTheArray(), set.length(), set.hashcode()) {}
+      : ItemSetView(setItems, setLength, korassoc::detail::setCode(setItems, setLength)) {}
+  // For callers that know the code already.
+  ItemSetView(const int* setItems, int setLength, std::uint64_t setCode)
+      : items(setItems), length(setLength), code(setCode) {}
+  explicit ItemSetView(const ItemSet& set) : ItemSetView(set.getTheArray(), set.length()) {}
 
   const int* items;
   int length;
-  int hash;
+  std::uint64_t code;
 };
