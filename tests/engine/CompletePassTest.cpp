@@ -178,7 +178,7 @@ TEST(RunPhaseIIcomplete, FindsExactlyWhatEnumerationFinds) {
 // words.
 TEST(RunPhaseIIcomplete, FindsExactlyWhatEnumerationFindsInLargerData) {
   std::mt19937 random(7);
-  for (const int kinds : {9, 60, 400}) {
+  for (const unsigned int kinds : {9U, 60U, 400U}) {
     for (const std::uint64_t budget : {std::uint64_t{1} << 30, std::uint64_t{20000}}) {
       Transactions transactions(700);
       for (auto& transaction : transactions) {
