@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <fstream>
@@ -109,7 +110,7 @@ bool writeUsualEntry(BinaryWriter& record, const ItemSet& set, const SetCounter&
   char* to = record.room(usualBytes(set.length()));
   std::memcpy(to, korassoc::detail::kItemSetTag.data(), 4);
   storeInt32(to + 4, set.length());
-  for (int i = 0; i < set.length(); ++i) storeInt32(to + 8 + 4 * i, set.getItemAt(i));
+  for (int i = 0; i < set.length(); ++i) storeInt32(to + 8 + std::ptrdiff_t{4} * i, set.getItemAt(i));
   to += usualSetBytes(set.length());
   std::memcpy(to, kUsualTag.data(), kUsualTag.size());
   to += kUsualTag.size();
@@ -132,7 +133,8 @@ bool readUsualEntry(BinaryReader& record, char descriptorType, int setLength, En
     return false;
   }
   std::array<int, kUsualLength> items;
-  for (int i = 0; i < setLength; ++i) items[static_cast<std::size_t>(i)] = loadInt32(from + 8 + 4 * i);
+  for (int i = 0; i < setLength; ++i)
+    items[static_cast<std::size_t>(i)] = loadInt32(from + 8 + std::ptrdiff_t{4} * i);
   auto set = std::make_unique<ItemSet>(items.data(), setLength);
   from += usualSetBytes(setLength) + kUsualTag.size();
   auto counts =

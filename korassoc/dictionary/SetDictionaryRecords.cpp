@@ -115,7 +115,7 @@ void SetDictionary::readTables(Read&& read) {
     read(*table, level);
     if (table->count() > 0) {
       levels_.resize(static_cast<std::size_t>(level) + 1);
-      levels_.back() = std::move(table);
+      levels_.back().swap(table);
     }
     if (level == maxLevel_) break;
   }

@@ -8,7 +8,7 @@
 namespace korassoc::detail {
 
 // Sorts the itemsets by their sizes and puts the items themselves in the place of their ranks.
-class CompletePass::Collector : public ItemsetSink {
+class CompletePass::Collector final : public ItemsetSink {
  public:
   Collector(CompletePass& pass, const RankedItems& ranked) : pass_(pass), ranked_(ranked) {}
 

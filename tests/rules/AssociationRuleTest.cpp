@@ -23,10 +23,11 @@ TEST(AssociationRule, CopiesTheSetsItIsGiven) {
   EXPECT_EQ(rule.getLift(), 1.5);
 }
 
+// Of more items than a set keeps inside itself.
 TEST(AssociationRule, TakesOverSetsThatAreGivenUp) {
-  ItemSet antecedent = itemSet({1, 2});
+  ItemSet antecedent = itemSet({1, 2, 3, 4, 5});
   const int* items = antecedent.getTheArray();
-  const AssociationRule rule(std::move(antecedent), itemSet({3}), 0, 0, 0);
+  const AssociationRule rule(std::move(antecedent), itemSet({6}), 0, 0, 0);
   EXPECT_EQ(rule.getAntecedent().getTheArray(), items);
 }
 
