@@ -16,14 +16,13 @@ namespace korassoc::detail {
 // Takes the itemsets as they are found.
 class ItemsetSink {
  public:
+  virtual ~ItemsetSink() = default;
+
   // n ranks, in no particular order, and the number of transactions that hold them all. False stops the
   // enumeration.
   virtual bool take(const std::uint32_t* ranks, std::size_t n, int count) = 0;
   // Asked now and then in between. False stops the enumeration, too.
   virtual bool goesOn() = 0;
-
- protected:
-  ~ItemsetSink() = default;
 };
 
 // Every itemset is found once, from its least frequent item on: each item is extended by more frequent ones.
