@@ -15,6 +15,7 @@ namespace korassoc::cli {
 void MineVerb::declare(CLI::App& command) {
   input_.addTo(command);
   rules_.addTo(command);
+  documents_.addTo(command);
   command.footer(
       "Example: the rules that hold in at least half of the cases, of items that are together in 1% of the "
       "baskets\n"
@@ -25,6 +26,7 @@ void MineVerb::declare(CLI::App& command) {
 
 void MineVerb::run(ResultStream& out) {
   rules_.check();
+  documents_.check(input_.file());
   Stopwatch total;
   Stopwatch watch;
   const BasketInput input = input_.read();
@@ -36,6 +38,7 @@ void MineVerb::run(ResultStream& out) {
   Mining mining(input.baskets, rules_.thresholds().support());
   mining.run();
   mining.report();
+  documents_.write(mining, query);
   const MiningFigures& figures = mining.figures();
 
   watch.lap();

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "cli/DocumentOptions.h"
 #include "cli/InputOptions.h"
 #include "cli/RuleOptions.h"
 #include "cli/Verb.h"
@@ -18,6 +19,7 @@ class MineVerb : public Verb {
  private:
   InputOptions input_;
   RuleOptions rules_;
+  DocumentOptions documents_;
 };
 
 }  // namespace korassoc::cli

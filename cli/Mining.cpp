@@ -113,6 +113,20 @@ std::vector<AssociationRule> Mining::rules(const RuleQuery& query) {
   return rules;
 }
 
+bool Mining::exportRules(const RuleQuery& query, std::ostream& out) {
+  const StandardOutputGuard guard;
+  const double minSupport = query.minCount / static_cast<double>(query.transactions);
+  const KorAssoc::KorStatus status =
+      engine_->ExportRulesXML(out, minSupport, query.minConfidence, query.nonRedundant);
+  check(status, "exporting the rules");
+  return status.IsOK();
+}
+
+void Mining::exportLattice(std::ostream& out) {
+  const StandardOutputGuard guard;
+  check(engine_->ExportLatticeXML(out), "exporting the lattice");
+}
+
 std::vector<ConsequentDescriptor> Mining::consequents(const std::vector<int>& items) {
   const StandardOutputGuard guard;
   ItemSet antecedent = setOf(items);

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <iosfwd>
 #include <memory>
 #include <vector>
 
@@ -41,6 +42,13 @@ class Mining {
 
   // The rules asked for, best first.
   std::vector<AssociationRule> rules(const RuleQuery& query);
+
+  // Writes the rules of the query's least support and confidence, with or without the redundant ones, as a
+  // PMML document. False, with nothing written, when no item is frequent.
+  bool exportRules(const RuleQuery& query, std::ostream& out);
+
+  // Writes the itemsets found as a document.
+  void exportLattice(std::ostream& out);
 
   // Single items that follow from some of the given ones (ascending), the most confident first; each with the
   // figures of its best rule whose antecedent lies within them, and a rule that reaches the support.

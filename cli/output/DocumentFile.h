@@ -28,6 +28,8 @@ class DocumentFile {
   using Writer = std::function<void(std::ostream&)>;
   void write(const Writer& writer) const;
 
+  // Whether there is a file to replace or to make: not for a device or a pipe.
+  bool isReplaced() const { return !direct_; }
   // Whether the two, or a path, mean the same existing file, or the same place for one.
   bool isSameAs(const DocumentFile& other) const { return isSameAs(other.target_); }
   bool isSameAs(const std::filesystem::path& path) const;

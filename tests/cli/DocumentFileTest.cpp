@@ -8,18 +8,15 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <ostream>
-#include <random>
 #include <string>
 #include <vector>
 
 #include "cli/CliError.h"
 #include "tests/cli/ExpectError.h"
+#include "tests/cli/TemporaryFolder.h"
 
 namespace korassoc::cli {
 namespace {
@@ -37,41 +34,17 @@ void expectError(ExitCode code, const ::testing::Matcher<std::string>& message, 
   EXPECT_THAT(errorOf(code, run), message);
 }
 
-// A folder of its own for each test.
 class DocumentFileTest : public testing::Test {
  protected:
-  DocumentFileTest() {
-    std::random_device random;
-    folder_ =
-        fs::temp_directory_path() / ("korassoc-test-" + std::to_string(random()) + std::to_string(random()));
-    fs::create_directory(folder_);
-  }
-  ~DocumentFileTest() override {
-    std::error_code ignored;
-    fs::permissions(folder_, fs::perms::owner_all, ignored);
-    fs::remove_all(folder_, ignored);
-  }
-
-  std::string path(const std::string& name) const { return (folder_ / name).string(); }
-  std::vector<std::string> names() const {
-    std::vector<std::string> found;
-    for (const auto& entry : fs::directory_iterator(folder_))
-      found.push_back(entry.path().filename().string());
-    std::sort(found.begin(), found.end());
-    return found;
-  }
-  static std::string contents(const std::string& file) {
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-  }
-  static void store(const std::string& file, const std::string& text) {
-    std::ofstream(file, std::ios::binary) << text;
-  }
+  std::string path(const std::string& name) const { return folder_.path(name); }
+  std::vector<std::string> names() const { return folder_.names(); }
+  std::string contents(const std::string& name) const { return folder_.contents(name); }
+  void store(const std::string& name, const std::string& text) const { folder_.store(name, text); }
   static void write(const std::string& file, const std::string& text) {
     DocumentFile(file).write([&](std::ostream& out) { out << text; });
   }
 
-  fs::path folder_;
+  TemporaryFolder folder_;
 };
 
 // No file of this process grows beyond so many bytes while one lives: a disk that runs full.
@@ -112,7 +85,7 @@ TEST_F(DocumentFileTest, HoldsWhatWasWrittenAndNothingElseIsLeft) {
   std::string text;
   while (text.size() < kSeveralBlocks) text += std::to_string(text.size()) + '\n';
   write(path("rules.xml"), text);
-  EXPECT_EQ(contents(path("rules.xml")), text);
+  EXPECT_EQ(contents("rules.xml"), text);
   EXPECT_THAT(names(), ElementsAre("rules.xml"));
 }
 
@@ -125,30 +98,30 @@ TEST_F(DocumentFileTest, TakesTextInPiecesOfAnySize) {
       text += piece + 'x';
     }
   });
-  EXPECT_EQ(contents(path("rules.xml")), text);
+  EXPECT_EQ(contents("rules.xml"), text);
 }
 
 TEST_F(DocumentFileTest, MayBeEmpty) {
-  store(path("rules.xml"), "before");
+  store("rules.xml", "before");
   write(path("rules.xml"), "");
-  EXPECT_EQ(contents(path("rules.xml")), "");
+  EXPECT_EQ(contents("rules.xml"), "");
 }
 
 TEST_F(DocumentFileTest, IsNotTouchedBeforeItIsWritten) {
-  store(path("old.xml"), "before");
+  store("old.xml", "before");
   const DocumentFile existing(path("old.xml"));
   const DocumentFile coming(path("new.xml"));
   EXPECT_THAT(names(), ElementsAre("old.xml"));
-  EXPECT_EQ(contents(path("old.xml")), "before");
+  EXPECT_EQ(contents("old.xml"), "before");
 }
 
 TEST_F(DocumentFileTest, HoldsTheOldDocumentUntilTheNewOneIsComplete) {
-  store(path("rules.xml"), "before");
+  store("rules.xml", "before");
   DocumentFile(path("rules.xml")).write([&](std::ostream& out) {
     out << std::string(kSeveralBlocks, 'n') << std::flush;
-    EXPECT_EQ(contents(path("rules.xml")), "before");
+    EXPECT_EQ(contents("rules.xml"), "before");
   });
-  EXPECT_EQ(contents(path("rules.xml")), std::string(kSeveralBlocks, 'n'));
+  EXPECT_EQ(contents("rules.xml"), std::string(kSeveralBlocks, 'n'));
 }
 
 TEST_F(DocumentFileTest, GetsTheUsualPermissionsOfANewFile) {
@@ -159,32 +132,32 @@ TEST_F(DocumentFileTest, GetsTheUsualPermissionsOfANewFile) {
 }
 
 TEST_F(DocumentFileTest, KeepsThePermissionsOfTheFileThatItReplaces) {
-  store(path("rules.xml"), "before");
+  store("rules.xml", "before");
   fs::permissions(path("rules.xml"), static_cast<fs::perms>(0604));
   write(path("rules.xml"), "after");
-  EXPECT_EQ(contents(path("rules.xml")), "after");
+  EXPECT_EQ(contents("rules.xml"), "after");
   EXPECT_EQ(fs::status(path("rules.xml")).permissions(), static_cast<fs::perms>(0604));
 }
 
 TEST_F(DocumentFileTest, IsWrittenWhereALinkLeads) {
-  store(path("target.xml"), "before");
+  store("target.xml", "before");
   fs::create_symlink("target.xml", path("link.xml"));
   write(path("link.xml"), "after");
   EXPECT_TRUE(fs::is_symlink(path("link.xml")));
-  EXPECT_EQ(contents(path("target.xml")), "after");
+  EXPECT_EQ(contents("target.xml"), "after");
   EXPECT_THAT(names(), ElementsAre("link.xml", "target.xml"));
 }
 
 TEST_F(DocumentFileTest, IsMadeWhereALinkLeadsToNothingYet) {
-  fs::create_directory(folder_ / "sub");
+  fs::create_directory(path("sub"));
   fs::create_symlink("sub/target.xml", path("link.xml"));
   write(path("link.xml"), "text");
   EXPECT_TRUE(fs::is_symlink(path("link.xml")));
-  EXPECT_EQ(contents(path("sub/target.xml")), "text");
+  EXPECT_EQ(contents("sub/target.xml"), "text");
 }
 
 TEST_F(DocumentFileTest, StaysAsItWasWhenTheDiskRunsFull) {
-  store(path("rules.xml"), "before");
+  store("rules.xml", "before");
   const DocumentFile file(path("rules.xml"));
   for (const std::size_t limit : {std::size_t{0}, std::size_t{1}, std::size_t{65535}, std::size_t{65536},
                                   std::size_t{65537}, kSeveralBlocks - 1}) {
@@ -193,12 +166,12 @@ TEST_F(DocumentFileTest, StaysAsItWasWhenTheDiskRunsFull) {
         ExitCode::kRunFailed,
         AllOf(HasSubstr(path("rules.xml")), HasSubstr("File too large"), HasSubstr("nothing was changed")),
         [&] { file.write([](std::ostream& out) { out << std::string(kSeveralBlocks, 'n'); }); });
-    EXPECT_EQ(contents(path("rules.xml")), "before") << limit;
+    EXPECT_EQ(contents("rules.xml"), "before") << limit;
     EXPECT_THAT(names(), ElementsAre("rules.xml")) << limit;
   }
   const FileSizeLimit enough(kSeveralBlocks);
   file.write([](std::ostream& out) { out << std::string(kSeveralBlocks, 'n'); });
-  EXPECT_EQ(contents(path("rules.xml")), std::string(kSeveralBlocks, 'n'));
+  EXPECT_EQ(contents("rules.xml"), std::string(kSeveralBlocks, 'n'));
 }
 
 TEST_F(DocumentFileTest, LeavesNothingWhereThereWasNothingWhenTheDiskRunsFull) {
@@ -209,66 +182,66 @@ TEST_F(DocumentFileTest, LeavesNothingWhereThereWasNothingWhenTheDiskRunsFull) {
 }
 
 TEST_F(DocumentFileTest, StaysAsItWasWhenTheWriterGivesUp) {
-  store(path("rules.xml"), "before");
+  store("rules.xml", "before");
   expectError(ExitCode::kRunFailed, HasSubstr("no rules today"), [&] {
     DocumentFile(path("rules.xml")).write([](std::ostream& out) {
       out << std::string(kSeveralBlocks, 'n');
       throw CliError(ExitCode::kRunFailed, "no rules today");
     });
   });
-  EXPECT_EQ(contents(path("rules.xml")), "before");
+  EXPECT_EQ(contents("rules.xml"), "before");
   EXPECT_THAT(names(), ElementsAre("rules.xml"));
 }
 
 TEST_F(DocumentFileTest, IsRefusedWhenTheWriterLeavesABadStream) {
-  store(path("rules.xml"), "before");
+  store("rules.xml", "before");
   expectError(ExitCode::kRunFailed, HasSubstr(path("rules.xml")), [&] {
     DocumentFile(path("rules.xml")).write([](std::ostream& out) { out.setstate(std::ios::badbit); });
   });
-  EXPECT_EQ(contents(path("rules.xml")), "before");
+  EXPECT_EQ(contents("rules.xml"), "before");
   EXPECT_THAT(names(), ElementsAre("rules.xml"));
 }
 
 TEST_F(DocumentFileTest, IsRefusedAtOnceInAFolderThatCannotBeWritten) {
-  store(path("rules.xml"), "before");
-  fs::permissions(folder_, static_cast<fs::perms>(0555));
+  store("rules.xml", "before");
+  fs::permissions(folder_.path(), static_cast<fs::perms>(0555));
   const NoSuperuser somebody;
   for (const char* name : {"rules.xml", "new.xml"}) {
     expectError(ExitCode::kRunFailed, AllOf(HasSubstr(path(name)), HasSubstr("Permission denied")),
                 [&] { const DocumentFile file(path(name)); });
   }
-  EXPECT_EQ(contents(path("rules.xml")), "before");
+  EXPECT_EQ(contents("rules.xml"), "before");
 }
 
 TEST_F(DocumentFileTest, IsRefusedAtOnceInPlaceOfAFileThatIsProtected) {
-  store(path("rules.xml"), "before");
+  store("rules.xml", "before");
   fs::permissions(path("rules.xml"), static_cast<fs::perms>(0444));
-  fs::permissions(folder_, static_cast<fs::perms>(0777));
+  fs::permissions(folder_.path(), static_cast<fs::perms>(0777));
   const NoSuperuser somebody;
   expectError(ExitCode::kRunFailed, AllOf(HasSubstr(path("rules.xml")), HasSubstr("Permission denied")),
               [&] { const DocumentFile file(path("rules.xml")); });
-  EXPECT_EQ(contents(path("rules.xml")), "before");
+  EXPECT_EQ(contents("rules.xml"), "before");
 }
 
 TEST_F(DocumentFileTest, IsRefusedAtOnceWhereThereIsNoFolder) {
-  store(path("file"), "");
+  store("file", "");
   expectError(ExitCode::kRunFailed,
               AllOf(HasSubstr("absent/rules.xml"), HasSubstr("No such file or directory")),
               [&] { const DocumentFile file(path("absent/rules.xml")); });
   expectError(ExitCode::kRunFailed, AllOf(HasSubstr("file/rules.xml"), HasSubstr("Not a directory")),
               [&] { const DocumentFile file(path("file/rules.xml")); });
   expectError(ExitCode::kRunFailed, HasSubstr("Is a directory"),
-              [&] { const DocumentFile file(folder_.string()); });
+              [&] { const DocumentFile file(folder_.path().string()); });
   expectError(ExitCode::kUsage, HasSubstr("empty"), [] { const DocumentFile file(""); });
 }
 
 TEST_F(DocumentFileTest, FailsWhenTheFolderGoesAwayMeanwhile) {
-  fs::create_directory(folder_ / "sub");
+  fs::create_directory(path("sub"));
   const DocumentFile file(path("sub/rules.xml"));
   expectError(ExitCode::kRunFailed, HasSubstr("No such file or directory"), [&] {
     file.write([&](std::ostream& out) {
       out << "text";
-      fs::remove_all(folder_ / "sub");
+      fs::remove_all(path("sub"));
     });
   });
   EXPECT_THAT(names(), IsEmpty());
@@ -290,7 +263,7 @@ TEST_F(DocumentFileTest, WritesToADeviceWithoutReplacingIt) {
 }
 
 TEST_F(DocumentFileTest, KnowsItselfUnderAnotherName) {
-  store(path("a.xml"), "");
+  store("a.xml", "");
   fs::create_symlink("a.xml", path("link.xml"));
   fs::create_hard_link(path("a.xml"), path("hard.xml"));
   const DocumentFile a(path("a.xml"));

@@ -42,6 +42,10 @@ ToolRun runKorassoc(const std::vector<std::string>& arguments, const ToolSetting
       const rlimit limit = {setting.addressSpaceBytes, setting.addressSpaceBytes};
       if (::setrlimit(RLIMIT_AS, &limit) != 0) ::_exit(121);
     }
+    if (setting.fileSizeBytes > 0) {
+      const rlimit limit = {setting.fileSizeBytes, setting.fileSizeBytes};
+      if (::setrlimit(RLIMIT_FSIZE, &limit) != 0) ::_exit(121);
+    }
     ::execv(argv[0], argv.data());
     ::_exit(122);
   }

@@ -19,6 +19,7 @@ struct ToolSetting {
   std::string_view input = {};        // what standard input holds
   const char* outputPath = nullptr;   // where standard output goes instead of into ToolRun::out
   std::size_t addressSpaceBytes = 0;  // a limit on the process's memory; 0: none
+  std::size_t fileSizeBytes = 0;      // a limit on every file that it writes; 0: none
 };
 
 // Runs the korassoc that was built beside the tests and waits for it.

@@ -1,0 +1,201 @@
+// The documents that the tool writes, and what it leaves when it cannot.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "korassoc/korassoc.h"
+#include "tests/cli/RunKorassoc.h"
+#include "tests/cli/TemporaryFolder.h"
+#include "tests/support/Hosts.h"
+#include "tests/support/VectorTransactions.h"
+
+namespace korassoc::cli {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::AllOf;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+
+constexpr const char* kBaskets = "2 8\n5 8\n2 5\n2 5\n2 5 8\n2 5 8\n2\n5\n5\n5\n9\n9\n";
+const Transactions kTransactions = {{2, 8}, {5, 8}, {2, 5}, {2, 5}, {2, 5, 8}, {2, 5, 8},
+                                    {2},    {5},    {5},    {5},    {9},       {9}};
+
+// What the library itself writes of those baskets.
+class Library {
+ public:
+  explicit Library(double support) : settings_(settingsWithSupport(support)), source_(kTransactions) {
+    engine_ = std::make_unique<CarmaAssociationAlgorithm>(settings_.get(), &source_);
+    EXPECT_TRUE(engine_->RunPhaseI(source_.size()).IsOK());
+    EXPECT_TRUE(engine_->RunPhaseII().IsOK());
+  }
+  std::string rules(double support, double confidence, bool nonRedundant) {
+    std::ostringstream out;
+    EXPECT_TRUE(engine_->ExportRulesXML(out, support, confidence, nonRedundant).IsOK());
+    return out.str();
+  }
+  std::string lattice() {
+    std::ostringstream out;
+    EXPECT_TRUE(engine_->ExportLatticeXML(out).IsOK());
+    return out.str();
+  }
+
+ private:
+  std::unique_ptr<CarmaSettings> settings_;
+  VectorTransactions source_;
+  std::unique_ptr<CarmaAssociationAlgorithm> engine_;
+};
+
+class Documents : public testing::Test {
+ protected:
+  Documents() { folder_.store("baskets", kBaskets); }
+
+  std::string path(const std::string& name) const { return folder_.path(name); }
+  ToolRun mine(const std::vector<std::string>& options, const ToolSetting& setting = {}) const {
+    std::vector<std::string> arguments = {"mine", path("baskets"), "-s", "1n", "-c", "50%"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    return runKorassoc(arguments, setting);
+  }
+  // The run ended with the code, said this in one line, printed no results and left these files.
+  static void expectFailure(const ToolRun& run, int exitCode, const ::testing::Matcher<std::string>& error) {
+    EXPECT_EQ(run.exitCode, exitCode);
+    EXPECT_THAT(run.err, error);
+    EXPECT_EQ(run.out, "");
+  }
+
+  TemporaryFolder folder_;
+};
+
+TEST_F(Documents, AreThoseOfTheLibrary) {
+  const ToolRun run = mine({"--pmml", path("rules.xml"), "--lattice", path("lattice.xml")});
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  Library library(1.0 / 12);
+  EXPECT_EQ(folder_.contents("rules.xml"), library.rules(1.0 / 12, 0.5, false));
+  EXPECT_EQ(folder_.contents("lattice.xml"), library.lattice());
+  EXPECT_THAT(folder_.contents("rules.xml"), HasSubstr("numberOfRules=\"11\""));
+  EXPECT_THAT(folder_.names(), ElementsAre("baskets", "lattice.xml", "rules.xml"));
+  EXPECT_THAT(run.err, AllOf(HasSubstr("document      " + path("rules.xml") + ": the rules as PMML"),
+                             HasSubstr("document      " + path("lattice.xml") + ": the lattice")));
+}
+
+TEST_F(Documents, LeaveTheTableAsItIs) {
+  const ToolRun run = mine({"--pmml", path("rules.xml"), "--lattice", path("lattice.xml")});
+  EXPECT_THAT(run.out, HasSubstr("{8}"));
+  EXPECT_EQ(run.out, mine({}).out);
+}
+
+TEST_F(Documents, HoldTheRulesThatAreNotRedundantWhenThoseAreAskedFor) {
+  EXPECT_EQ(mine({"--pmml", path("rules.xml"), "--nonredundant"}).exitCode, 0);
+  EXPECT_EQ(folder_.contents("rules.xml"), Library(1.0 / 12).rules(1.0 / 12, 0.5, true));
+  EXPECT_THAT(folder_.contents("rules.xml"), HasSubstr("numberOfRules=\"7\""));
+}
+
+TEST_F(Documents, DoNotKnowTheFilters) {
+  EXPECT_EQ(mine({"--pmml", path("rules.xml"), "--require-rhs", "8", "--top", "1"}).exitCode, 0);
+  EXPECT_EQ(folder_.contents("rules.xml"), Library(1.0 / 12).rules(1.0 / 12, 0.5, false));
+}
+
+TEST_F(Documents, NumberLabelsInTheirOrder) {
+  folder_.store("baskets", "milk,bread\nmilk,bread\nbread\n");
+  const ToolRun run = mine({"--lattice", path("lattice.xml")});
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_THAT(folder_.contents("lattice.xml"), AllOf(HasSubstr("value=\"0\"\n\t\t\tcount=\"3\""),
+                                                     HasSubstr("value=\"1\"\n\t\t\tcount=\"2\"")));
+}
+
+TEST_F(Documents, ReplaceWhatWasThere) {
+  folder_.store("rules.xml", "before");
+  EXPECT_EQ(mine({"--pmml", path("rules.xml")}).exitCode, 0);
+  EXPECT_EQ(folder_.contents("rules.xml"), Library(1.0 / 12).rules(1.0 / 12, 0.5, false));
+}
+
+TEST_F(Documents, ThatHaveNoFolderEndTheRunBeforeItMines) {
+  for (const char* option : {"--pmml", "--lattice"}) {
+    const ToolRun run = mine({option, path("absent/out.xml")});
+    expectFailure(run, 1, AllOf(HasSubstr(path("absent/out.xml")), HasSubstr("No such file or directory")));
+    EXPECT_THAT(run.err, Not(HasSubstr("threshold")));
+  }
+  EXPECT_THAT(folder_.names(), ElementsAre("baskets"));
+}
+
+TEST_F(Documents, InAFolderThatCannotBeWrittenEndTheRun) {
+  if (::geteuid() == 0) GTEST_SKIP() << "every folder can be written by the superuser";
+  fs::permissions(folder_.path(), static_cast<fs::perms>(0555));
+  expectFailure(mine({"--pmml", path("rules.xml")}), 1,
+                AllOf(HasSubstr(path("rules.xml")), HasSubstr("Permission denied")));
+}
+
+TEST_F(Documents, OnADeviceThatIsFullEndTheRun) {
+  if (!fs::exists("/dev/full")) GTEST_SKIP() << "this system has no /dev/full";
+  for (const char* option : {"--pmml", "--lattice"}) {
+    expectFailure(mine({option, "/dev/full"}), 1,
+                  AllOf(HasSubstr("/dev/full"), HasSubstr("No space left on device")));
+  }
+  EXPECT_TRUE(fs::is_character_file("/dev/full"));
+}
+
+TEST_F(Documents, StayAsTheyWereWhenTheDiskRunsFull) {
+  folder_.store("rules.xml", "before");
+  folder_.store("lattice.xml", "before");
+  ToolSetting full;
+  full.fileSizeBytes = 2000;
+  for (const auto& [option, name] :
+       {std::pair("--pmml", "rules.xml"), std::pair("--lattice", "lattice.xml")}) {
+    expectFailure(mine({option, path(name)}, full), 1,
+                  AllOf(HasSubstr(path(name)), HasSubstr("File too large")));
+    EXPECT_EQ(folder_.contents(name), "before");
+  }
+  EXPECT_THAT(folder_.names(), ElementsAre("baskets", "lattice.xml", "rules.xml"));
+}
+
+TEST_F(Documents, OfNothingFrequentAreNoRulesButALattice) {
+  folder_.store("rules.xml", "before");
+  const std::vector<std::string> ask = {"mine", path("baskets"), "-s", "12n", "-c", "50%"};
+  std::vector<std::string> arguments = ask;
+  arguments.insert(arguments.end(), {"--pmml", path("rules.xml")});
+  expectFailure(runKorassoc(arguments), 1,
+                AllOf(HasSubstr(path("rules.xml")), HasSubstr("no item is in 12 transactions")));
+  EXPECT_EQ(folder_.contents("rules.xml"), "before");
+  arguments = ask;
+  arguments.insert(arguments.end(), {"--lattice", path("lattice.xml")});
+  EXPECT_EQ(runKorassoc(arguments).exitCode, 0);
+  EXPECT_THAT(folder_.contents("lattice.xml"), HasSubstr("numberOfItemsets=\"1\""));
+}
+
+TEST_F(Documents, AreNotWrittenOverTheBaskets) {
+  expectFailure(mine({"--pmml", path("./baskets")}), 2, HasSubstr("is the basket file"));
+  expectFailure(mine({"--lattice", path("baskets")}), 2, HasSubstr("is the basket file"));
+  EXPECT_EQ(folder_.contents("baskets"), kBaskets);
+}
+
+TEST_F(Documents, AreNotWrittenOverEachOther) {
+  expectFailure(mine({"--pmml", path("out.xml"), "--lattice", path("./out.xml")}), 2,
+                HasSubstr("is the file of --pmml"));
+  EXPECT_THAT(folder_.names(), ElementsAre("baskets"));
+  EXPECT_EQ(mine({"--pmml", "/dev/null", "--lattice", "/dev/null"}).exitCode, 0);
+}
+
+TEST_F(Documents, AreNotWrittenOverStandardOutput) {
+  folder_.store("out", "");
+  const std::string out = path("out");
+  ToolSetting setting;
+  setting.outputPath = out.c_str();
+  const ToolRun run = mine({"--pmml", out}, setting);
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_THAT(run.err, HasSubstr("is where standard output goes"));
+  EXPECT_THAT(folder_.contents("out"), IsEmpty());
+}
+
+}  // namespace
+}  // namespace korassoc::cli
