@@ -198,7 +198,8 @@ TEST(HashTableRecord, GivesItsTypeToTheDescriptors) {
   HashTable table(5);
 
   EXPECT_EQ(read(table, set + "SC" + int32Bytes({1, 2}), 'A').bytes, 28U);
-  EXPECT_EQ(typeid(*table.find(&key)->descriptor), typeid(SetCounter));
+  const SetCounter& plain = *table.find(&key)->descriptor;
+  EXPECT_EQ(typeid(plain), typeid(SetCounter));
 
   EXPECT_EQ(read(table, set + "CSD" + int32Bytes({1, 2, 3}), 'C').bytes, 33U);
   EXPECT_EQ(table.find(&key)->descriptor->getMaxMissed(), 3);
@@ -214,8 +215,10 @@ TEST(HashTableRecord, TakesAPlainCounterAmongCarmaDescriptors) {
   EXPECT_FALSE(outcome.refused);
   const ItemSet five(5);
   const ItemSet six(6);
-  EXPECT_EQ(typeid(*table.find(&five)->descriptor), typeid(SetCounter));
-  EXPECT_EQ(typeid(*table.find(&six)->descriptor), typeid(CarmaSetDescriptor));
+  const SetCounter& plain = *table.find(&five)->descriptor;
+  EXPECT_EQ(typeid(plain), typeid(SetCounter));
+  const SetCounter& carma = *table.find(&six)->descriptor;
+  EXPECT_EQ(typeid(carma), typeid(CarmaSetDescriptor));
 }
 
 TEST(HashTableRecord, RefusesDescriptorsOfAnotherType) {

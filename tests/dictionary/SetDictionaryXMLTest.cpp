@@ -260,7 +260,8 @@ TEST(SetDictionaryXML, TakesAPlainCounterAmongCarmaDescriptors) {
   const Outcome outcome = read(reader.dictionary, written(saved.dictionary));
   EXPECT_FALSE(outcome.refused);
   EXPECT_EQ(outcome.lines, 37U);
-  EXPECT_EQ(typeid(*reader.dictionary.getDescriptor(5)), typeid(SetCounter));
+  const SetCounter& plain = *reader.dictionary.getDescriptor(5);
+  EXPECT_EQ(typeid(plain), typeid(SetCounter));
 }
 
 TEST(SetDictionaryXML, WithoutOneOfItsLinesIsRefused) {
