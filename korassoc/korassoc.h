@@ -17,6 +17,8 @@
 #include "korassoc/engine/Exceptions.h"
 #include "korassoc/engine/KorStatus.h"
 #include "korassoc/engine/MultiPassTransIter.h"
+#include "korassoc/engine/PhaseIIReporter.h"
+#include "korassoc/engine/PhaseIReporter.h"
 #include "korassoc/engine/ProgressListener.h"
 #include "korassoc/engine/ProgressReport.h"
 #include "korassoc/engine/SupportSource.h"

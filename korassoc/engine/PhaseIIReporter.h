@@ -4,13 +4,14 @@
 
 #include <string>
 
+#include "korassoc/base/Export.h"
 #include "korassoc/engine/ProgressReport.h"
 
 class CarmaAssociationAlgorithm;
 
 // Answers from the live engine, which must outlive the report. Integers: "nTrans", the transactions of phase
 // I; "nTransII", those processed so far in phase II; "setTotal", the stored sets now. No real values.
-class PhaseIIReporter : public ProgressReport {
+class KORASSOC_EXPORT PhaseIIReporter : public ProgressReport {
  public:
   explicit PhaseIIReporter(const CarmaAssociationAlgorithm& engine) : engine_(engine) {}
 

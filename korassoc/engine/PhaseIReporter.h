@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "korassoc/base/Export.h"
 #include "korassoc/engine/ProgressReport.h"
 
 class CarmaAssociationAlgorithm;
@@ -20,7 +21,7 @@ class CarmaAssociationAlgorithm;
 //   "avSigma"    the average support, a fraction
 //   "sigma"      the support of the last transaction, a fraction
 // What an engine that was cancelled has given up counts as 0.
-class PhaseIReporter : public ProgressReport {
+class KORASSOC_EXPORT PhaseIReporter : public ProgressReport {
  public:
   explicit PhaseIReporter(const CarmaAssociationAlgorithm& engine) : engine_(engine) {}
 
