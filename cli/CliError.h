@@ -12,7 +12,8 @@ enum class ExitCode : int {
   kOk = 0,         // also when no rule was found
   kRunFailed = 1,  // memory ran out, the results could not be written, the engine gave up
   kUsage = 2,      // the command line does not make sense
-  kInput = 3       // the input cannot be read or understood
+  kInput = 3,      // the input cannot be read or understood
+  kLimit = 4       // a limit on memory decided the result, or left none
 };
 
 // The message is one line without a line end: what is wrong, where, and what to try.

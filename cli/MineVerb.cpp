@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 
+#include "cli/CliError.h"
 #include "cli/Mining.h"
 #include "cli/NoRules.h"
 #include "cli/Stopwatch.h"
@@ -15,6 +16,7 @@ namespace korassoc::cli {
 void MineVerb::declare(CLI::App& command) {
   input_.addTo(command);
   rules_.addTo(command);
+  mining_.addTo(command);
   documents_.addTo(command);
   command.footer(
       "Example: the rules that hold in at least half of the cases, of items that are together in 1% of the "
@@ -27,6 +29,7 @@ void MineVerb::declare(CLI::App& command) {
 void MineVerb::run(ResultStream& out) {
   rules_.check();
   documents_.check(input_.file());
+  const MiningPlan plan = mining_.plan();
   Stopwatch total;
   Stopwatch watch;
   const BasketInput input = input_.read();
@@ -35,7 +38,7 @@ void MineVerb::run(ResultStream& out) {
   const RuleQuery query = rules_.query(input.names, transactions);
   input_.report(input);
 
-  Mining mining(input.baskets, rules_.thresholds().support());
+  Mining mining(input.baskets, rules_.thresholds().support(), plan);
   mining.run();
   mining.report();
   documents_.write(mining, query);
@@ -48,14 +51,21 @@ void MineVerb::run(ResultStream& out) {
   if (rules.empty()) fmt::print(stderr, "no rules      {}\n", whyNoRules(mining, query));
 
   watch.lap();
-  out.write("# " + rules_.describe(query, input.names) + "\n");
-  writeRuleTable(rules, input.names, transactions, out);
+  out.write(fmt::format("# {}; {}\n", mining.describe(), rules_.describe(query, input.names)));
+  if (plan.mode == MiningMode::kOnePass) {
+    const auto boundsOf = [&mining](const AssociationRule& rule) { return mining.bounds(rule); };
+    writeBoundedRuleTable(rules, boundsOf, input.names, transactions, out);
+  } else {
+    writeRuleTable(rules, input.names, transactions, out);
+  }
   out.finish();
   fmt::print(
       stderr,
       "seconds       reading {:.3f}, first pass {:.3f}, second pass {:.3f}, rules {:.3f}, writing {:.3f}, "
       "in all {:.3f}\n",
       secondsReading, figures.secondsPhaseI, figures.secondsPhaseII, secondsRules, watch.lap(), total.lap());
+  const std::string limit = mining.limitReached();
+  if (!limit.empty()) throw CliError(ExitCode::kLimit, limit);
 }
 
 }  // namespace korassoc::cli

@@ -4,6 +4,7 @@
 
 #include "cli/DocumentOptions.h"
 #include "cli/InputOptions.h"
+#include "cli/MiningOptions.h"
 #include "cli/RuleOptions.h"
 #include "cli/Verb.h"
 
@@ -19,6 +20,7 @@ class MineVerb : public Verb {
  private:
   InputOptions input_;
   RuleOptions rules_;
+  MiningOptions mining_;
   DocumentOptions documents_;
 };
 

@@ -4,7 +4,11 @@
 
 #include <cmath>
 #include <cstdio>
+#include <filesystem>
+#include <limits>
 #include <optional>
+#include <random>
+#include <utility>
 
 #include "cli/CliError.h"
 #include "cli/StandardOutputGuard.h"
@@ -14,6 +18,22 @@ namespace korassoc::cli {
 namespace {
 
 constexpr long kMemoryFull = 3;
+constexpr int kNoLimit = std::numeric_limits<int>::max();
+
+// The approximate first pass, by measurement (docs/accuracy.md): a fifth below the support that is asked for,
+// prunings few and far between, the rare items of long baskets left to the second pass.
+constexpr double kSlack = 0.8;
+constexpr int kPrunings = 4;
+constexpr int kBasketsBetweenPrunings = 500;  // within a limit
+constexpr std::size_t kLongestBasket = 24;
+constexpr std::size_t kShortestBasket = 8;  // below which baskets are not shortened whatever the work
+constexpr double kExtensionBudget = 1000;   // stored subsets of a basket, on average
+constexpr int kUsualSets = 2000000;         // itemsets, where no limit is given
+
+// The preview of an exact run: a small part of its work.
+constexpr int kPreviewBaskets = 500;
+constexpr std::size_t kPreviewLongest = 10;
+constexpr int kPreviewSets = 4000;
 constexpr long kFailedInside = 40001;
 constexpr long kEmptyLattice = 40002;  // not an item is frequent enough: there is nothing to make rules of
 
@@ -60,31 +80,161 @@ class Argument {
 
 }  // namespace
 
-Mining::Mining(const Baskets& baskets, const SupportOption& support) : iterator_(baskets) {
+Mining::Mining(const Baskets& baskets, const SupportOption& support, const MiningPlan& plan)
+    : plan_(plan), room_(plan.maxSets ? *plan.maxSets + 1 : kNoLimit), source_(baskets) {
   figures_.transactions = static_cast<int>(baskets.size());
   figures_.leastCount = support.leastCount(figures_.transactions);
-  settings_.SetSupportSource(new ConstantSupport(support.fractionOf(figures_.transactions)));
+  double threshold = support.fractionOf(figures_.transactions);
+  if (plan_.mode != MiningMode::kExact) {
+    if (!plan_.maxSets) room_ = kUsualSets + 1;
+    threshold *= kSlack;
+  }
+  limitMemory();
+  settings_.SetSupportSource(new ConstantSupport(threshold));
   const StandardOutputGuard guard;
-  engine_ = std::make_unique<CarmaAssociationAlgorithm>(&settings_, &iterator_);
+  engine_ = std::make_unique<CarmaAssociationAlgorithm>(&settings_, &source_);
   check(engine_->GetStatus(), "starting the engine");
+}
+
+// Itemsets make room for others in a run of two passes alone: an exact run does not need what the first pass
+// has found, and without a second one nothing would tell what a lost count comes to.
+void Mining::limitMemory() {
+  DictionarySettings& dictionary = settings_.GetDictionarySettings();
+  dictionary.SetMaxInStoreSets(room_);
+  if (plan_.mode == MiningMode::kExact) dictionary.SetMaxInStoreSets(std::min(room_, kPreviewSets));
+  if (plan_.mode != MiningMode::kApproximate) return;
+  dictionary.SetLeaveInMainStoreCount(1);
+  if (!plan_.spillFolder) return;
+  dictionary.SetDiskSpill(true);
+  const std::string name =
+      fmt::format("korassoc-{:08x}{:08x}.spill", std::random_device{}(), std::random_device{}());
+  dictionary.SetSpillFileName((std::filesystem::path(*plan_.spillFolder) / name).string().c_str());
 }
 
 void Mining::run() {
   const StandardOutputGuard guard;
   Stopwatch watch;
-  check(engine_->RunPhaseI(figures_.transactions), "the first pass");
+  source_.setListener([this](int number) { beforeBasket(number); });
+  runPhaseI();
   figures_.setsInPhaseI = engine_->NumberOfSets() - 1;  // the empty set is stored too
   figures_.secondsPhaseI = watch.lap();
-  check(engine_->RunPhaseII(), "the second pass");
+  runSecondPass();
   figures_.setsInLattice = engine_->NumberOfSets() - 1;
   figures_.longestSet = engine_->LongestSet();
   figures_.secondsPhaseII = watch.lap();
 }
 
+void Mining::runPhaseI() {
+  int baskets = figures_.transactions;
+  // Prunings only where the baskets may be read again: an item that is pruned and met again has lost count.
+  settings_.SetRemoveSmallFreq(0);
+  if (plan_.mode == MiningMode::kExact) {
+    baskets = std::min(baskets, kPreviewBaskets);
+    source_.shorten(kPreviewLongest, 0, static_cast<std::size_t>(baskets));
+  } else if (plan_.mode == MiningMode::kApproximate) {
+    settings_.SetRemoveSmallFreq(plan_.maxSets ? kBasketsBetweenPrunings : baskets / kPrunings + 1);
+    source_.shorten(kLongestBasket, figures_.leastCount, static_cast<std::size_t>(baskets));
+  }
+  const KorAssoc::KorStatus status = engine_->RunPhaseI(baskets);
+  figures_.transactionsInPhaseI = engine_->NumberOfTransactions();
+  const bool full = status.GetCode() == kMemoryFull;
+  if (!full) return check(status, "the first pass");
+  if (plan_.mode == MiningMode::kExact) return;  // no more of a preview than that
+  throw CliError(
+      ExitCode::kLimit,
+      fmt::format("the limit of {} itemsets was reached in transaction {} of {}: an itemset was refused, "
+                  "and there is no result; raise --max-sets or the support",
+                  room_ - 1, figures_.transactionsInPhaseI, figures_.transactions));
+}
+
+void Mining::runSecondPass() {
+  switch (plan_.mode) {
+    case MiningMode::kExact: {
+      settings_.GetDictionarySettings().SetMaxInStoreSets(room_);
+      const double support = figures_.leastCount / static_cast<double>(figures_.transactions);
+      const KorAssoc::KorStatus status = engine_->RunPhaseIIcomplete(support);
+      if (plan_.maxSets && status.GetCode() == kMemoryFull) {
+        throw CliError(
+            ExitCode::kLimit,
+            fmt::format("more than {} itemsets are in {} of {} transactions: those beyond the limit are "
+                        "refused, and there is no result; raise --max-sets or the support",
+                        *plan_.maxSets, figures_.leastCount, figures_.transactions));
+      }
+      return check(status, "counting");
+    }
+    case MiningMode::kApproximate:
+      check(engine_->RunPhaseIIrandom(), "the second pass");
+      break;
+    case MiningMode::kOnePass:
+      check(engine_->RunNullPhaseII(0), "closing the pass");
+      break;
+  }
+  if (const auto* lattice = dynamic_cast<const SetDictionary*>(engine_->GetLattice())) {
+    figures_.setsGivenUp = lattice->setsGivenUp();
+    figures_.setsSpilled = lattice->setsSpilled();
+  }
+}
+
+void Mining::beforeBasket(int number) {
+  if (plan_.mode != MiningMode::kApproximate) return;
+  boundWork(number - 1);
+  if (!plan_.spillFolder) return;
+  // What is on the disk comes back at a pruning, and must find room then.
+  const bool prunesNext = number % settings_.GetRemoveSmallFreq() == 0 || number == figures_.transactions;
+  engine_->SetMaxInStoreSets(prunesNext ? kNoLimit : room_);
+}
+
+// Shows less of the baskets when they hold more stored itemsets than can be counted in good time: each item
+// less halves what a basket can hold.
+void Mining::boundWork(int basketsDone) {
+  constexpr int kBasketsBetweenLooks = 8;
+  if (basketsDone == 0 || basketsDone % kBasketsBetweenLooks != 0) return;
+  const double before =
+      std::exchange(extensions_, PhaseIReporter(*engine_).GetDoubleValue("aveExt") * basketsDone);
+  double excess = (extensions_ - before) / (kExtensionBudget * kBasketsBetweenLooks);
+  std::size_t longest = source_.longestShown();
+  for (; excess > 1 && longest > kShortestBasket; excess /= 2) --longest;
+  source_.shorten(longest);
+}
+
+std::string Mining::describe() const {
+  switch (plan_.mode) {
+    case MiningMode::kApproximate:
+      return "approximate (itemsets may be missing; figures are exact)";
+    case MiningMode::kOnePass:
+      return "one pass (itemsets may be missing; figures are bounds)";
+    case MiningMode::kExact:
+      break;
+  }
+  return "exact and complete";
+}
+
 void Mining::report() const {
   fmt::print(stderr, "threshold     {} of {} transactions\n", figures_.leastCount, figures_.transactions);
-  fmt::print(stderr, "itemsets      {} after the first pass, {} after the second, the longest of {} items\n",
-             figures_.setsInPhaseI, figures_.setsInLattice, figures_.longestSet);
+  if (plan_.mode == MiningMode::kExact) {
+    fmt::print(stderr, "preview       {} itemsets after the first {} transactions\n", figures_.setsInPhaseI,
+               figures_.transactionsInPhaseI);
+    fmt::print(stderr, "itemsets      {}, the longest of {} items\n", figures_.setsInLattice,
+               figures_.longestSet);
+  } else {
+    fmt::print(stderr, "itemsets      {} after the first pass, {} at the end, the longest of {} items\n",
+               figures_.setsInPhaseI, figures_.setsInLattice, figures_.longestSet);
+  }
+  if (figures_.longestSet == settings_.GetMaxLengthSet()) {
+    fmt::print(stderr, "length        itemsets of more than {} items are not looked for\n",
+               figures_.longestSet);
+  }
+  if (figures_.setsSpilled > 0) {
+    fmt::print(stderr, "spilled       {} itemsets were on the disk for a time\n", figures_.setsSpilled);
+  }
+}
+
+std::string Mining::limitReached() const {
+  if (figures_.setsGivenUp == 0) return {};
+  return fmt::format(
+      "the limit of {} itemsets decided this result: {} itemsets were lost with their counts to make "
+      "room for others, so some may be missing; raise --max-sets or the support",
+      room_ - 1, figures_.setsGivenUp);
 }
 
 std::vector<AssociationRule> Mining::rules(const RuleQuery& query) {
@@ -111,6 +261,22 @@ std::vector<AssociationRule> Mining::rules(const RuleQuery& query) {
                                  query.rhs.length.longest, query.top, query.minimal, rules),
         "making rules");
   return rules;
+}
+
+RuleBounds Mining::bounds(const AssociationRule& rule) const {
+  auto* lattice = dynamic_cast<SetDictionary*>(engine_->GetLattice());
+  const std::unique_ptr<ItemSet> both(rule.getAntecedent().setUnion(&rule.getConsequent()));
+  const SetCounter* whole = lattice == nullptr ? nullptr : lattice->getDescriptor(both.get());
+  const SetCounter* part = lattice == nullptr ? nullptr : lattice->getDescriptor(&rule.getAntecedent());
+  if (whole == nullptr || part == nullptr) throw CliError(ExitCode::kRunFailed, "a rule of unknown itemsets");
+  const int transactions = figures_.transactions;
+  const auto largest = [transactions](const SetCounter& counter) {
+    return static_cast<int>(std::min<long long>(transactions, 0LL + counter.count + counter.getMaxMissed()));
+  };
+  RuleBounds bounds{whole->count, std::min(largest(*whole), largest(*part)), 0, 1};
+  bounds.leastConfidence = static_cast<double>(bounds.leastCount) / largest(*part);
+  bounds.largestConfidence = std::min(1.0, static_cast<double>(bounds.largestCount) / part->count);
+  return bounds;
 }
 
 bool Mining::exportRules(const RuleQuery& query, std::ostream& out) {

@@ -39,7 +39,7 @@ void RecommendVerb::run(ResultStream& out) {
   const BasketInput input = input_.read();
   const std::vector<int> items = itemsOf("--for", labels, input.names);
   input_.report(input);
-  Mining mining(input.baskets, thresholds_.support());
+  Mining mining(input.baskets, thresholds_.support(), MiningPlan{});
   mining.run();
   mining.report();
 
@@ -60,8 +60,9 @@ void RecommendVerb::run(ResultStream& out) {
                "nothing       confidence: the best confidence seen is {}, below {}; try a lower confidence\n",
                percentText(found.front().getConfidence()), percentText(thresholds_.minConfidence()));
   }
-  out.write(fmt::format("# what goes with {}: {}; the best {}; by confidence\n", setText(items, input.names),
-                        thresholds_.describe(figures.transactions), thresholds_.top()));
+  out.write(fmt::format("# {}; what goes with {}: {}; the best {}; by confidence\n", mining.describe(),
+                        setText(items, input.names), thresholds_.describe(figures.transactions),
+                        thresholds_.top()));
   writeConsequentTable(shown, input.names, figures.transactions, out);
   out.finish();
   fmt::print(stderr, "seconds       {:.3f} in all\n", watch.lap());

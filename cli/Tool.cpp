@@ -28,7 +28,7 @@ struct Command {
 
 constexpr const char* kFooter =
     "Exit codes: 0 done, also when no rule was found; 1 the run failed; 2 wrong usage; 3 unreadable or\n"
-    "unintelligible input.\n"
+    "unintelligible input; 4 a limit on memory (--max-sets) decided the result, or left none.\n"
     "\n"
     "Example:\n"
     "  korassoc mine baskets.csv -s 1% -c 50%\n"

@@ -2,7 +2,6 @@
 
 #include <fstream>
 #include <iostream>
-#include <limits>
 #include <map>
 #include <sstream>
 #include <string>
@@ -24,11 +23,6 @@ struct Baskets : MultiPassTransIter, Transaction {
   int GetTransactionID() const override { return static_cast<int>(next); }
 };
 
-// The first pass may lose sets close to its threshold: half of what the rules will ask for leaves it room.
-struct OnePercent : SupportSource {
-  double GetSupport(int) override { return 0.01; }
-};
-
 int main(int argc, char** argv) {
   Baskets baskets;
   std::map<std::string, int> items;
@@ -44,11 +38,9 @@ int main(int argc, char** argv) {
   }
 
   CarmaSettings settings;
-  settings.SetSupportSource(new OnePercent);  // the settings own it from here
   CarmaAssociationAlgorithm carma(&settings, &baskets);
   std::vector<AssociationRule> rules;
-  carma.RunPhaseI(std::numeric_limits<int>::max());  // at most so many baskets: all
-  carma.RunPhaseII();
+  carma.RunPhaseIIcomplete(0.02);            // every itemset of this support
   carma.CreateNgetRules(0.02, 0.75, rules);  // support, confidence
 
   const auto print = [&names](const ItemSet& set, const char* between) {

@@ -2,8 +2,10 @@
 
 #pragma once
 
+#include <functional>
 #include <span>
 
+#include "cli/RuleBounds.h"
 #include "cli/input/ItemNames.h"
 #include "cli/output/ResultStream.h"
 #include "korassoc/korassoc.h"
@@ -20,7 +22,14 @@ namespace korassoc::cli {
 void writeRuleTable(std::span<const AssociationRule> rules, const ItemNames& names, int transactions,
                     ResultStream& out);
 
-// The same for single consequents of given items:
+// The same with bounds in place of the figures, which boundsOf gives for each rule:
+//
+//   antecedent         consequent  count >=  count <=  support >=  support <=  confidence >=  confidence <=
+void writeBoundedRuleTable(std::span<const AssociationRule> rules,
+                           const std::function<RuleBounds(const AssociationRule&)>& boundsOf,
+                           const ItemNames& names, int transactions, ResultStream& out);
+
+// As writeRuleTable, for single consequents of given items:
 //
 //   consequent  count  support  confidence   lift
 //   butter          3  30.000%     75.000%  1.250
