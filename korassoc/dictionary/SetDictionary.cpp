@@ -156,34 +156,46 @@ bool SetDictionary::incrementIfBeforeTID(const OrderedArray& values, const Order
                                          int transaction) {
   SetCounter* descriptor = find(selection(values.data, index.data, index.count));
   if (descriptor == nullptr) return false;
+  noteCounting();
   if (!diskSpill_ && descriptor->getTID() > transaction) descriptor->increment();
   return true;
 }
 
-SetCounter* SetDictionary::getDescriptor(const int* items, int n) { return find({items, n}); }
+// Who asks for a descriptor may change its count.
+SetCounter* SetDictionary::getDescriptor(const int* items, int n) {
+  noteCounting();
+  return find({items, n});
+}
 
-SetCounter* SetDictionary::getDescriptor(int item) { return find({&item, 1}); }
+SetCounter* SetDictionary::getDescriptor(int item) { return getDescriptor(&item, 1); }
 
-SetCounter* SetDictionary::getDescriptor(const OrderedArray& set) { return find({set.data, set.count}); }
+SetCounter* SetDictionary::getDescriptor(const OrderedArray& set) {
+  return getDescriptor(set.data, set.count);
+}
 
 SetCounter* SetDictionary::getDescriptor(const ItemSet* set) {
-  return set != nullptr ? find(ItemSetView(*set)) : nullptr;
+  return set != nullptr ? getDescriptor(set->getTheArray(), set->length()) : nullptr;
 }
 
 int SetDictionary::getCount(int item) {
-  const SetCounter* descriptor = getDescriptor(item);
+  const SetCounter* descriptor = find({&item, 1});
   return descriptor != nullptr ? descriptor->count : 0;
 }
 
 int SetDictionary::getCount(const ItemSet* set) {
-  const SetCounter* descriptor = getDescriptor(set);
+  const SetCounter* descriptor = set != nullptr ? find(ItemSetView(*set)) : nullptr;
   return descriptor != nullptr ? descriptor->count : 0;
 }
 
 int SetDictionary::getEmptySetCount() { return getCount(&emptySet_); }
 
 const korassoc::detail::LatticeGraph& SetDictionary::graph() const {
-  if (graph_ == nullptr) graph_ = std::make_unique<korassoc::detail::LatticeGraph>(*this);
+  if (graph_ == nullptr) {
+    graph_ = std::make_unique<korassoc::detail::LatticeGraph>(*this);
+  } else if (countsChanged_) {
+    graph_->readCounts();
+  }
+  countsChanged_ = false;
   return *graph_;
 }
 
@@ -222,6 +234,7 @@ SetDictionary::Counted SetDictionary::incrementOr(const ItemSetView& set, Report
 
 // Adds one to a stored set's count and, when it stands in the small queue, gives it its new place there.
 void SetDictionary::countQueued(HashTable::Entry& entry) {
+  noteCounting();
   entry.descriptor->increment();
   if (smallQueue_.empty() || entry.key->getNext() == nullptr) return;
   const int count = entry.descriptor->count;
@@ -266,6 +279,7 @@ SetCounter* SetDictionary::incrementSet(const OrderedArray& set) { return increm
 // --- Phase II ---
 
 void SetDictionary::prepareExactCounting(int fromLevel) {
+  noteCounting();
   itemBits_->reset();
   for (std::size_t level = static_cast<std::size_t>(std::max(fromLevel, 0)); level < levels_.size();
        ++level) {

@@ -122,7 +122,8 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   // Counts the set when it was stored after this transaction; false when it is not stored.
   virtual bool incrementIfBeforeTID(const OrderedArray& values, const OrderedArray& index, int transaction);
 
-  // The descriptor of a stored set, or null. Of a set on disk: a counter valid until the next call.
+  // The descriptor of a stored set, or null. Of a set on disk: a counter valid until the next call. Queries
+  // work on copies of the counts: who changes one after a query asks for the descriptor anew.
   virtual SetCounter* getDescriptor(const int* items, int n);
   virtual SetCounter* getDescriptor(int item);
   virtual SetCounter* getDescriptor(const OrderedArray& set);
@@ -234,8 +235,10 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
 
   // --- Queries ---
   // The stored sets with their links both ways, made at the first call after a change of sets or links; valid
-  // until the next one.
+  // until the next one. Holds the counts of this moment.
   const korassoc::detail::LatticeGraph& graph() const;
+  // For those who change counts through descriptors: the next call of graph() reads all counts again.
+  void noteCounting() const { countsChanged_ = true; }
 
   // --- Reading ---
   // Most items of a stored set.
@@ -321,4 +324,5 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
       refusedCopies_;  // duplicates that stand in the small queue all the same
   KorAssoc::KorStatus status_;
   mutable std::unique_ptr<korassoc::detail::LatticeGraph> graph_;  // null: none made since the last change
+  mutable bool countsChanged_ = false;                             // since the graph read them
 };

@@ -68,7 +68,7 @@ void SetDictionary::buildLattice() {
 void SetDictionary::linkLevels() {
   const int highest = getHighestLevel();
   for (int level = 1; level <= highest; ++level) {
-    const korassoc::detail::SubsetIndex subsets(levelTable(level - 1));
+    const korassoc::detail::SubsetIndex subsets(levelTable(level - 1), level - 1);
     levelTable(level).forEach(
         [&](const HashTable::Entry& entry) { linkSubsets(*entry.key, subsets, level); });
     // Appending everything and sorting it once is cheaper than keeping it sorted.
@@ -151,6 +151,7 @@ void SetDictionary::rebuildLinks() {
 }
 
 int SetDictionary::resetAllCounts() {
+  noteCounting();
   int reset = 0;
   const int highest = getHighestLevel();
   for (int level = 0; level <= highest; ++level) {

@@ -180,6 +180,7 @@ void CarmaCore::stepPhaseII(const SetDictionary& dictionary, const Transaction& 
   if (nTransII_ < std::numeric_limits<int>::max()) ++nTransII_;
   fetch(transaction);
   std::erase_if(items_, [&dictionary](int item) { return !dictionary.isMarked(item); });
+  dictionary.noteCounting();
   exact_.count(items_);
 }
 

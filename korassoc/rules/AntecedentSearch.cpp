@@ -5,39 +5,60 @@
 
 namespace korassoc::detail {
 
-AntecedentSearch::AntecedentSearch(SetDictionary& dictionary, const LatticeGraph& graph)
-    : dictionary_(dictionary), graph_(graph), visited_(static_cast<std::size_t>(graph.size()), 0) {}
+AntecedentSearch::AntecedentSearch(SetDictionary& dictionary, const LatticeGraph& graph, Order order)
+    : dictionary_(dictionary), graph_(graph), order_(order), marks_(graph.lendMarks()) {}
+
+bool AntecedentSearch::mayGoOn() {
+  if (!dictionary_.isRestartFailed()) return true;
+  dictionary_.setRulesFlag();
+  return false;
+}
 
 bool AntecedentSearch::run(int start, const AntecedentFilter& filter, std::vector<int>& found) {
   queue_.clear();
-  ++search_;
-  queue_.push(start, graph_.count(start));
-  while (!queue_.empty()) {
-    if (dictionary_.isRestartFailed()) {
-      dictionary_.setRulesFlag();
-      return false;
-    }
-    const int node = queue_.pop();
-    visited_[static_cast<std::size_t>(node)] = search_;
-    const ItemSet& set = graph_.set(node);
+  stack_.clear();
+  marks_->nextRound();
+  const bool allMayLeave = filter.keeps == nullptr && filter.mayLeave == nullptr;
+  push(start, graph_.count(start));
+  while (!isDone()) {
+    if (!mayGoOn()) return false;
+    const int node = pop();
     const std::span<const int> subsets = graph_.down(node);
+    const auto length = static_cast<long long>(subsets.size());
     bool minimal = true;
-    for (std::size_t i = 0; set.length() > filter.shortest && i < subsets.size(); ++i) {
-      const int item = set.getItemAt(static_cast<int>(i));
-      if (filter.keeps != nullptr && filter.keeps->hasItem(item)) continue;
-      if (filter.mayLeave != nullptr && !filter.mayLeave->hasItem(item)) continue;
+    for (std::size_t i = 0; length > filter.shortest && i < subsets.size(); ++i) {
       const int subset = subsets[i];
-      if (subset == LatticeGraph::kNone || graph_.count(subset) > filter.highestCount) continue;
+      if (subset == LatticeGraph::kNone || (!allMayLeave && !mayLeave(node, i, filter))) continue;
+      const int count = graph_.count(subset);
+      if (count > filter.highestCount) continue;
       minimal = false;
-      int& visitedBy = visited_[static_cast<std::size_t>(subset)];
-      if (visitedBy == search_) continue;
-      visitedBy = search_;
-      queue_.push(subset, graph_.count(subset));
+      if (marks_->mark(subset)) push(subset, count);
     }
     if (filter.minimalOnly && !minimal) continue;
-    if (graph_.count(node) >= filter.lowestCount && set.length() <= filter.longest) found.push_back(node);
+    if (graph_.count(node) >= filter.lowestCount && length <= filter.longest) found.push_back(node);
   }
   return true;
+}
+
+bool AntecedentSearch::mayLeave(int node, std::size_t position, const AntecedentFilter& filter) const {
+  const int item = graph_.set(node).getItemAt(static_cast<int>(position));
+  if (filter.keeps != nullptr && filter.keeps->hasItem(item)) return false;
+  return filter.mayLeave == nullptr || filter.mayLeave->hasItem(item);
+}
+
+void AntecedentSearch::push(int node, int count) {
+  if (order_ == Order::kAny) {
+    stack_.push_back(node);
+  } else {
+    queue_.push(node, count);
+  }
+}
+
+int AntecedentSearch::pop() {
+  if (order_ != Order::kAny) return queue_.pop();
+  const int node = stack_.back();
+  stack_.pop_back();
+  return node;
 }
 
 }  // namespace korassoc::detail

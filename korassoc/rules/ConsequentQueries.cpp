@@ -3,11 +3,12 @@
 #include <algorithm>
 #include <cstddef>
 #include <limits>
-#include <map>
 #include <set>
+#include <span>
 #include <stdexcept>
 
 #include "korassoc/dictionary/LatticeGraph.h"
+#include "korassoc/rules/BestConsequents.h"
 #include "korassoc/rules/RuleOrder.h"
 
 using KorAssoc::KorStatus;
@@ -16,39 +17,66 @@ namespace korassoc::detail {
 
 namespace {
 
-// What the antecedent's stored subsets say of every other item: by item, the figures of the most confident.
-std::map<int, ConsequentDescriptor> bestOfSubsets(const LatticeGraph& graph, const ItemSet& antecedent,
-                                                  int n) {
-  std::map<int, ConsequentDescriptor> best;
-  std::vector<int> queue;
+int storedNode(int node) {
+  if (node == LatticeGraph::kNone) throw std::logic_error("a link of the lattice leads nowhere");
+  return node;
+}
+
+bool isRepeated(const ItemSet& set, int position) {
+  return position > 0 && set.getItemAt(position - 1) == set.getItemAt(position);
+}
+
+// The stored subsets of the antecedent, but the empty one: the shorter first, each once.
+std::vector<int> storedSubsets(const LatticeGraph& graph, const ItemSet& antecedent) {
+  std::vector<int> subsets;
   for (int i = 0; i < antecedent.length(); ++i) {
     const int item = antecedent.getItemAt(i);
+    if (isRepeated(antecedent, i)) continue;
     const int node = graph.find(&item, 1);
-    if (node != LatticeGraph::kNone && graph.descriptor(node) != nullptr) queue.push_back(node);
+    if (node != LatticeGraph::kNone && graph.descriptor(node) != nullptr) subsets.push_back(node);
   }
-  for (std::size_t next = 0; next < queue.size(); ++next) {
-    const int node = queue[next];
-    const ItemSet& subset = graph.set(node);
-    const int last = subset.getItemAt(subset.length() - 1);
-    for (const LatticeGraph::UpLink& link : graph.up(node)) {
-      const bool isGiven = antecedent.hasItem(link.item);
-      if (isGiven && link.item <= last) continue;
-      if (link.node == LatticeGraph::kNone) throw std::logic_error("a link of the lattice leads nowhere");
-      if (isGiven) {
-        queue.push_back(link.node);
-        continue;
-      }
-      const double count = graph.count(link.node);
-      const double confidence = count / graph.count(node);
-      const auto known = best.find(link.item);
-      if (known != best.end() && !(confidence > known->second.getConfidence())) continue;
-      const int single = graph.find(&link.item, 1);
-      const int itemCount = single != LatticeGraph::kNone ? graph.count(single) : 0;
-      const ConsequentDescriptor figures(link.item, count / n, confidence, confidence / itemCount * n);
-      best.insert_or_assign(link.item, figures);
+  for (std::size_t next = 0; next < subsets.size(); ++next) {
+    const int node = subsets[next];
+    const int last = graph.set(node).getItemAt(graph.length(node) - 1);
+    const std::span<const LatticeGraph::UpLink> links = graph.up(node);
+    auto link = links.begin();
+    for (int i = 0; i < antecedent.length(); ++i) {
+      const int item = antecedent.getItemAt(i);
+      if (item <= last || isRepeated(antecedent, i)) continue;
+      link = std::lower_bound(link, links.end(), item,
+                              [](const LatticeGraph::UpLink& l, int sought) { return l.item < sought; });
+      if (link != links.end() && link->item == item) subsets.push_back(storedNode(link->node));
     }
   }
-  return best;
+  return subsets;
+}
+
+// Of the items that follow from the antecedent's stored subsets the best, wanted of them.
+std::vector<ConsequentDescriptor> bestOfSubsets(const LatticeGraph& graph, const ItemSet& antecedent, int n,
+                                                std::size_t wanted) {
+  const std::vector<int> subsets = storedSubsets(graph, antecedent);
+  const bool areNumbers =
+      std::all_of(subsets.begin(), subsets.end(), [&](int node) { return graph.count(node) > 0; });
+  BestConsequents best(areNumbers ? wanted : BestConsequents::kAll);
+  const int* const end = antecedent.getTheArray() + antecedent.length();
+  for (const int node : subsets) {
+    best.beginSubset(graph.count(node));
+    const int* given = antecedent.getTheArray();
+    for (const LatticeGraph::UpLink& link : graph.up(node)) {
+      while (given != end && *given < link.item) ++given;
+      if (given != end && *given == link.item) continue;
+      best.offer(link.item, graph.count(storedNode(link.node)));
+    }
+    best.endSubset();
+  }
+  std::vector<ConsequentDescriptor> consequents;
+  for (const ItemFigures& figures : best.items()) {
+    const int single = graph.find(&figures.item, 1);
+    const int itemCount = single != LatticeGraph::kNone ? graph.count(single) : 0;
+    consequents.emplace_back(figures.item, static_cast<double>(figures.count) / n, figures.confidence,
+                             figures.confidence / itemCount * n);
+  }
+  return consequents;
 }
 
 }  // namespace
@@ -86,7 +114,9 @@ KorStatus consequents(SetDictionary& dictionary, const ItemSet* antecedent, int 
       out.emplace_back(graph.set(node).getItemAt(0), support, support, 1.0);
     }
   } else if (antecedent->length() > 0 && highest >= 2) {
-    for (const auto& [item, figures] : bestOfSubsets(graph, *antecedent, n)) out.push_back(figures);
+    const std::size_t wanted = maxItems < 0 ? BestConsequents::kAll : static_cast<std::size_t>(maxItems);
+    const std::vector<ConsequentDescriptor> best = bestOfSubsets(graph, *antecedent, n, wanted);
+    out.insert(out.end(), best.begin(), best.end());
   }
   sortConsequents(out);
   cutTo(out, maxItems);

@@ -8,7 +8,7 @@
 #include "korassoc/engine/CreateRulesReporter.h"
 #include "korassoc/engine/DictionarySettings.h"
 #include "korassoc/itemsets/CountBound.h"
-#include "korassoc/rules/ItemDifference.h"
+#include "korassoc/rules/Consequent.h"
 #include "korassoc/rules/LatticeSearch.h"
 
 using KorAssoc::KorStatus;
@@ -21,9 +21,16 @@ FilteredRuleCreation::FilteredRuleCreation(SetDictionary& dictionary, const Rule
       graph_(dictionary.graph()),
       filter_(filter),
       transactionCount_(dictionary.getEmptySetCount()),
-      listener_(listener) {
+      listener_(listener),
+      search_(dictionary, graph_,
+              sorts() ? AntecedentSearch::Order::kAny : AntecedentSearch::Order::kMostFrequentFirst) {
   if (filter_.antecedentRequired == nullptr) filter_.antecedentRequired = &noItems_;
   if (filter_.consequentRequired == nullptr) filter_.consequentRequired = &noItems_;
+}
+
+// Unsorted results show the order in which everything was found.
+bool FilteredRuleCreation::sorts() const {
+  return filter_.sortBy == 'C' || filter_.sortBy == 'S' || filter_.sortBy == 'L';
 }
 
 KorStatus FilteredRuleCreation::run(std::vector<AssociationRule>& out) {
@@ -46,7 +53,7 @@ std::vector<int> FilteredRuleCreation::candidates() const {
       filteredMaxCountBound(transactionCount_, filter_.minSupport, filter_.maxSupport),
       static_cast<long long>(filter_.minAntecedentLength) + filter_.minConsequentLength,
       static_cast<long long>(filter_.maxAntecedentLength) + filter_.maxConsequentLength};
-  const LatticeSearch search(graph_);
+  const LatticeSearch search(graph_, sorts() ? LatticeSearch::Order::kAny : LatticeSearch::Order::kAsSets);
   const std::unique_ptr<ItemSet> required(filter_.antecedentRequired->setUnion(filter_.consequentRequired));
   const ItemSet* antecedentAllowed = filter_.antecedentAllowed;
   const ItemSet* consequentAllowed = filter_.consequentAllowed;
@@ -64,11 +71,10 @@ std::vector<int> FilteredRuleCreation::candidates() const {
 bool FilteredRuleCreation::findAntecedents(const std::vector<int>& candidates, AntecedentTables& tables) {
   const int interval = dictionary_.settings().GetReportFrequency();
   const auto total = static_cast<int>(candidates.size());
-  AntecedentSearch antecedentSearch(dictionary_, graph_);
   bool goesOn = true;
   for (int i = 0; goesOn && i < total; ++i) {
     const int whole = candidates[static_cast<std::size_t>(i)];
-    goesOn = search(antecedentSearch, whole, tables.antecedents);
+    goesOn = findAntecedentsOf(whole, tables.antecedents);
     if (interval > 0 && i % interval == 0) report(i + 1, total);
     if (goesOn) tables.close(whole);
   }
@@ -76,26 +82,28 @@ bool FilteredRuleCreation::findAntecedents(const std::vector<int>& candidates, A
   return goesOn;
 }
 
-bool FilteredRuleCreation::search(AntecedentSearch& search, int whole, std::vector<int>& antecedents) {
+bool FilteredRuleCreation::findAntecedentsOf(int whole, std::vector<int>& antecedents) {
+  const int count = graph_.count(whole);
   const long long length = graph_.length(whole);
   AntecedentFilter filter;
-  filter.highestCount = antecedentCountBound(graph_.count(whole), filter_.minConfidence);
-  filter.lowestCount = graph_.count(whole) / filter_.maxConfidence;
+  filter.highestCount = antecedentCountBound(count, filter_.minConfidence);
+  filter.lowestCount = count / filter_.maxConfidence;
   filter.shortest = std::max<long long>(length - filter_.maxConsequentLength, filter_.minAntecedentLength);
   filter.longest = std::min<long long>(length - filter_.minConsequentLength, filter_.maxAntecedentLength);
-  filter.keeps = filter_.antecedentRequired;
+  filter.keeps = filter_.antecedentRequired->length() > 0 ? filter_.antecedentRequired : nullptr;
   filter.mayLeave = filter_.consequentAllowed;
   filter.minimalOnly = filter_.minimalAntecedentsOnly;
   const int start = startOf(whole, filter);
   if (start == LatticeGraph::kNone) return true;
   const std::size_t begin = antecedents.size();
-  const bool goesOn = search.run(start, filter, antecedents);
-  orderAsTable(antecedents, begin);
+  const bool goesOn = search_.run(start, filter, antecedents);
+  if (!sorts()) orderAsTable(antecedents, begin);
   return goesOn;
 }
 
 // The largest antecedent of an itemset that can be one; kNone when that is none.
-int FilteredRuleCreation::startOf(int whole, const AntecedentFilter& filter) const {
+int FilteredRuleCreation::startOf(int whole, const AntecedentFilter& filter) {
+  if (filter_.consequentRequired->length() == 0 && filter_.antecedentAllowed == nullptr) return whole;
   const ItemSet& set = graph_.set(whole);
   ItemSet start(set, *filter_.consequentRequired);
   if (filter_.antecedentAllowed != nullptr) {
@@ -112,11 +120,8 @@ int FilteredRuleCreation::startOf(int whole, const AntecedentFilter& filter) con
   return left.isSubsetOf(filter_.consequentAllowed) ? node : LatticeGraph::kNone;
 }
 
-// Unsorted results show the order of the antecedents' table.
 void FilteredRuleCreation::orderAsTable(std::vector<int>& antecedents, std::size_t begin) const {
-  if (filter_.sortBy == 'C' || filter_.sortBy == 'S' || filter_.sortBy == 'L' ||
-      antecedents.size() - begin < 2)
-    return;
+  if (antecedents.size() - begin < 2) return;
   HashTable table(dictionary_.settings().GetInitialBoundarySize());
   for (std::size_t i = begin; i < antecedents.size(); ++i) {
     table.put(const_cast<ItemSet*>(&graph_.set(antecedents[i])), nullptr);  // the table does not change it
@@ -126,41 +131,45 @@ void FilteredRuleCreation::orderAsTable(std::vector<int>& antecedents, std::size
   table.clear();  // the sets stay the lattice's
 }
 
-void FilteredRuleCreation::emit(const AntecedentTables& tables, RuleList& rules) const {
-  ItemDifference consequentItems;
+void FilteredRuleCreation::emit(const AntecedentTables& tables, RuleList& rules) {
+  Consequent consequent(graph_);
   for (std::size_t i = 0; i < tables.sets.size(); ++i) {
+    if (tables.begins[i] == tables.begins[i + 1]) continue;
     const int whole = tables.sets[i];
     const double count = graph_.count(whole);
     const double support = count / transactionCount_;
     if (!(filter_.minSupport <= support && support <= filter_.maxSupport)) continue;
+    consequent.setWhole(whole);
     for (std::size_t j = tables.begins[i]; j < tables.begins[i + 1]; ++j) {
-      const int node = tables.antecedents[j];
-      const ItemSet& antecedent = graph_.set(node);
-      if (antecedent.length() < filter_.minAntecedentLength ||
-          antecedent.length() > filter_.maxAntecedentLength ||
-          !filter_.antecedentRequired->isSubsetOf(&antecedent) ||
-          !antecedent.isSubsetOf(filter_.antecedentAllowed)) {
-        continue;
-      }
-      const double confidence = count / graph_.count(node);
+      const int antecedent = tables.antecedents[j];
+      if (!isWanted(graph_.set(antecedent))) continue;
+      const double confidence = count / graph_.count(antecedent);
       if (!(filter_.minConfidence <= confidence && confidence <= filter_.maxConfidence)) continue;
-      consequentItems.assign(graph_.set(whole), antecedent);
-      const int length = consequentItems.length();
-      if (length == 0 || length < filter_.minConsequentLength || length > filter_.maxConsequentLength)
-        continue;
-      if (filter_.consequentAllowed != nullptr || filter_.consequentRequired->length() > 0) {
-        const ItemSet consequent(consequentItems.items(), length);
-        if (!consequent.isSubsetOf(filter_.consequentAllowed)) continue;
-        if (!filter_.consequentRequired->isSubsetOf(&consequent)) continue;
-      }
-      const int consequentNode = graph_.find(consequentItems.items(), length);
-      const double lift = consequentNode != LatticeGraph::kNone
-                              ? confidence / graph_.count(consequentNode) * transactionCount_
-                              : 0.0;
+      consequent.setAntecedent(antecedent);
+      if (!isWanted(consequent)) continue;
+      const int node = consequent.node();
+      const double lift =
+          node != LatticeGraph::kNone ? confidence / graph_.count(node) * transactionCount_ : 0.0;
       if (!(lift >= filter_.minLift)) continue;
-      rules.add({whole, node, consequentNode, support, confidence, lift});
+      rules.add({whole, antecedent, node, support, confidence, lift});
     }
   }
+}
+
+bool FilteredRuleCreation::isWanted(const ItemSet& antecedent) const {
+  return antecedent.length() >= filter_.minAntecedentLength &&
+         antecedent.length() <= filter_.maxAntecedentLength &&
+         filter_.antecedentRequired->isSubsetOf(&antecedent) &&
+         antecedent.isSubsetOf(filter_.antecedentAllowed);
+}
+
+bool FilteredRuleCreation::isWanted(const Consequent& consequent) const {
+  const int length = consequent.length();
+  if (length == 0 || length < filter_.minConsequentLength || length > filter_.maxConsequentLength)
+    return false;
+  if (filter_.consequentAllowed == nullptr && filter_.consequentRequired->length() == 0) return true;
+  const ItemSet set = consequent.set();
+  return set.isSubsetOf(filter_.consequentAllowed) && filter_.consequentRequired->isSubsetOf(&set);
 }
 
 void FilteredRuleCreation::report(int bounds, int setTotal) const {

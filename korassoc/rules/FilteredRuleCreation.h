@@ -13,6 +13,8 @@
 
 namespace korassoc::detail {
 
+class Consequent;
+
 // What the rules asked for are like; all bounds are inclusive. Confidences and supports are fractions,
 // lengths are numbers of items.
 struct RuleFilter {
@@ -49,11 +51,14 @@ class FilteredRuleCreation {
 
  private:
   std::vector<int> candidates() const;
+  bool sorts() const;
   bool findAntecedents(const std::vector<int>& candidates, AntecedentTables& tables);
-  bool search(AntecedentSearch& search, int whole, std::vector<int>& antecedents);
-  int startOf(int whole, const AntecedentFilter& filter) const;
+  bool findAntecedentsOf(int whole, std::vector<int>& antecedents);
+  int startOf(int whole, const AntecedentFilter& filter);
   void orderAsTable(std::vector<int>& antecedents, std::size_t begin) const;
-  void emit(const AntecedentTables& tables, RuleList& rules) const;
+  void emit(const AntecedentTables& tables, RuleList& rules);
+  bool isWanted(const ItemSet& antecedent) const;
+  bool isWanted(const Consequent& consequent) const;
   void report(int bounds, int setTotal) const;
 
   SetDictionary& dictionary_;
@@ -62,6 +67,7 @@ class FilteredRuleCreation {
   ItemSet noItems_;
   int transactionCount_;
   ProgressListener* listener_;
+  AntecedentSearch search_;
 };
 
 }  // namespace korassoc::detail

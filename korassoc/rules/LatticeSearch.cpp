@@ -20,18 +20,17 @@ bool LatticeSearch::reports(int node, const SearchBounds& bounds) const {
 // all of its subsets of one item less, so each level is complete before it is extended.
 std::vector<int> LatticeSearch::climb(std::vector<int> level, std::vector<int> found, const ItemSet* allowed,
                                       const SearchBounds& bounds, const std::set<ItemSet>* skipped) const {
+  const LatticeGraph::LentMarks met = graph_.lendMarks();
   std::vector<int> next;
   while (!level.empty()) {
     next.clear();
     for (const int node : level) {
       for (const LatticeGraph::UpLink& link : graph_.up(node)) {
-        if (link.node == LatticeGraph::kNone || (allowed != nullptr && !allowed->hasItem(link.item)))
-          continue;
-        if (graph_.count(link.node) >= bounds.minCount) next.push_back(link.node);
+        if (link.node == LatticeGraph::kNone) continue;
+        if (allowed != nullptr && !allowed->hasItem(link.item)) continue;
+        if (met->mark(link.node) && graph_.count(link.node) >= bounds.minCount) next.push_back(link.node);
       }
     }
-    std::sort(next.begin(), next.end());
-    next.erase(std::unique(next.begin(), next.end()), next.end());
     if (skipped != nullptr && !skipped->empty()) {
       std::erase_if(next, [&](int node) { return skipped->count(graph_.set(node)) != 0; });
     }
@@ -41,7 +40,7 @@ std::vector<int> LatticeSearch::climb(std::vector<int> level, std::vector<int> f
     if (next.empty() || graph_.length(next.front()) >= bounds.maxLength) break;
     level.swap(next);
   }
-  std::sort(found.begin(), found.end(), [this](int a, int b) { return graph_.set(a) < graph_.set(b); });
+  if (order_ == Order::kAsSets) std::sort(found.begin(), found.end());
   return found;
 }
 
@@ -79,7 +78,7 @@ std::vector<int> LatticeSearch::containing(const ItemSet& items, const SearchBou
 double LatticeSearch::support(const ItemSet& base, int k, int transactionCount) const {
   const int start = graph_.find(base);
   if (start == LatticeGraph::kNone || graph_.descriptor(start) == nullptr || k < 1) return -1.0;
-  std::vector<bool> isTaken(static_cast<std::size_t>(graph_.size()), false);
+  const LatticeGraph::LentMarks isTaken = graph_.lendMarks();
   CandidateQueue queue;
   queue.push(start, graph_.count(start));
   int lowest = 0;
@@ -88,12 +87,12 @@ double LatticeSearch::support(const ItemSet& base, int k, int transactionCount) 
     const int node = queue.pop();
     lowest = taken == 0 ? graph_.count(node) : std::min(lowest, graph_.count(node));
     ++taken;  // a set that was queued twice counts twice
-    isTaken[static_cast<std::size_t>(node)] = true;
+    isTaken->mark(node);
     for (const LatticeGraph::UpLink& link : graph_.up(node)) {
       if (link.node == LatticeGraph::kNone) {
         std::cout << "Bad Counter in findSupport for the set";
         ItemSet(graph_.set(node), link.item).display();
-      } else if (!isTaken[static_cast<std::size_t>(link.node)]) {
+      } else if (!isTaken->isMarked(link.node)) {
         queue.push(link.node, graph_.count(link.node));
       }
     }
@@ -148,7 +147,7 @@ SemiLattice* filteredCopy(const SetDictionary& dictionary, double minFraction, c
   int stored = 0;
   for (int level = 0; level < graph.levels(); ++level) {
     std::vector<int> kept;
-    for (int node = graph.levelBegin(level); node < graph.levelBegin(level + 1); ++node) {
+    for (const int node : graph.tableOrder(level)) {
       if (keeps(node)) kept.push_back(node);
     }
     auto table =

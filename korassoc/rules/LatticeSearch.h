@@ -21,11 +21,17 @@ struct SearchBounds {
 };
 
 // A set that is too frequent is not reported but still extended: its supersets may be within the bounds.
-// Results come in the order of ItemSet: fewer items first, then item by item.
 // Cost: O(sets within minCount and maxLength above the start, and their links).
 class LatticeSearch {
  public:
-  explicit LatticeSearch(const LatticeGraph& graph) : graph_(graph) {}
+  // Of the results of supersets() and containing().
+  enum class Order {
+    kAsSets,  // that of ItemSet: fewer items first, then item by item
+    kAny      // whichever is fastest; fewer items first
+  };
+
+  explicit LatticeSearch(const LatticeGraph& graph, Order order = Order::kAsSets)
+      : graph_(graph), order_(order) {}
 
   // The nodes of the stored supersets of base, base included. allowed: the only items that may be added,
   // null: all. Sets in skipped, if given, are neither reported nor extended, but base is.
@@ -47,6 +53,7 @@ class LatticeSearch {
   void dropSubsets(std::vector<int>& nodes) const;
 
   const LatticeGraph& graph_;
+  Order order_;
 };
 
 // A new dictionary with the sets of at least minFraction of the transactions that hold none of leaveOut,

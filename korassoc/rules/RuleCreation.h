@@ -2,11 +2,13 @@
 
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "korassoc/dictionary/SetDictionary.h"
 #include "korassoc/engine/KorStatus.h"
 #include "korassoc/engine/ProgressListener.h"
+#include "korassoc/rules/AntecedentSearch.h"
 #include "korassoc/rules/AssociationRule.h"
 #include "korassoc/rules/RuleList.h"
 
@@ -29,9 +31,12 @@ class RuleCreation {
   KorAssoc::KorStatus run(std::vector<AssociationRule>& out);
 
  private:
-  std::vector<int> numberFrequentSets() const;
+  std::vector<int> numberFrequentSets();
+  bool countsFall(const std::vector<int>& frequent);
   bool findAntecedents(const std::vector<int>& frequent, AntecedentTables& tables);
-  void emit(const AntecedentTables& tables, RuleList& rules) const;
+  bool findAntecedentsOf(int whole, AntecedentFilter& filter, std::vector<int>& antecedents);
+  std::optional<int> largerCount(int whole);
+  void emit(const AntecedentTables& tables, RuleList& rules);
   void report(int bounds, int setTotal) const;
 
   SetDictionary& dictionary_;
@@ -41,6 +46,8 @@ class RuleCreation {
   double minConfidence_;
   ProgressListener* listener_;
   bool pruneRedundant_;
+  bool prunesByCount_ = false;  // redundant antecedents are told by their counts alone
+  AntecedentSearch search_;
 };
 
 }  // namespace korassoc::detail

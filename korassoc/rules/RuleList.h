@@ -42,13 +42,17 @@ class RuleList {
  public:
   explicit RuleList(const LatticeGraph& graph) : graph_(graph) {}
 
+  void reserve(std::size_t rules) { rules_.reserve(rules); }
   void add(const RuleFigures& rule) { rules_.push_back(rule); }
   // Appends the rules to out and brings all of out into the order of sortBy ('C', 'S', 'L'; anything else: as
   // they stand), then cuts it to maxRules (negative: no cut).
   void moveTo(std::vector<AssociationRule>& out, char sortBy, int maxRules);
 
  private:
-  bool before(const RuleFigures& a, const RuleFigures& b, char sortBy) const;
+  void sort(char sortBy);
+  template <double RuleFigures::*First, double RuleFigures::*Second>
+  void sortBy();
+  bool setsBefore(const RuleFigures& a, const RuleFigures& b) const;
   ItemSet consequentOf(const RuleFigures& rule) const;
 
   const LatticeGraph& graph_;

@@ -1,7 +1,6 @@
 #include "korassoc/rules/RuleOrder.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace korassoc::detail {
 
@@ -21,13 +20,6 @@ bool before(double firstA, double firstB, double secondA, double secondB, const 
 }
 
 }  // namespace
-
-int compareFigures(double a, double b) {
-  if (a > b) return -1;
-  if (a < b) return 1;
-  if (a == b) return 0;
-  return static_cast<int>(std::isnan(a)) - static_cast<int>(std::isnan(b));
-}
 
 bool confidenceBefore(const AssociationRule& a, const AssociationRule& b) {
   return before(a.getConfidence(), b.getConfidence(), a.getSupport(), b.getSupport(), a, b);

@@ -12,6 +12,7 @@
 
 #pragma once
 
+#include <cmath>
 #include <vector>
 
 #include "korassoc/rules/AssociationRule.h"
@@ -26,7 +27,12 @@ bool liftBefore(const AssociationRule& a, const AssociationRule& b);
 bool consequentBefore(const ConsequentDescriptor& a, const ConsequentDescriptor& b);
 
 // -1 when the higher-first order of two figures puts a before b, 1 when it puts b before a, else 0.
-int compareFigures(double a, double b);
+inline int compareFigures(double a, double b) {
+  if (a > b) return -1;
+  if (a < b) return 1;
+  if (a == b) return 0;
+  return static_cast<int>(std::isnan(a)) - static_cast<int>(std::isnan(b));
+}
 
 // Sorts the whole vector: by confidence for 'C', by support for 'S', by lift for 'L'; leaves it as it is for
 // any other character.
