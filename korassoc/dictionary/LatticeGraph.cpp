@@ -57,10 +57,11 @@ void LatticeGraph::addLevel(const HashTable& table, int level) {
   std::sort(places.begin(), places.end());
   std::vector<HashTable::Entry*> entries;
   entries.reserve(places.size());
-  tableOrder_.resize(sets_.size() + places.size());
+  const std::size_t begin = sets_.size();
+  tableOrder_.resize(begin + places.size());
   for (const Place& place : places) {
     const ItemSet& set = *place.entry->key;
-    tableOrder_[static_cast<std::size_t>(levelBegins_.back() + place.inTable)] = size();
+    tableOrder_[begin + static_cast<std::size_t>(place.inTable)] = size();
     entries.push_back(place.entry);
     sets_.push_back(&set);
     descriptors_.push_back(place.entry->descriptor);

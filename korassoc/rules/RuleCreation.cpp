@@ -105,14 +105,15 @@ bool RuleCreation::findAntecedents(const std::vector<int>& frequent, AntecedentT
 // consequent are those above the bound of the most frequent W; and where that is Z's own bound, there are
 // none.
 bool RuleCreation::findAntecedentsOf(int whole, AntecedentFilter& filter, std::vector<int>& antecedents) {
-  filter.highestCount = antecedentCountBound(graph_.count(whole), minConfidence_);
+  const int count = graph_.count(whole);
+  const std::optional<int> larger = prunesByCount_ ? largerCount(whole) : std::nullopt;
+  if (larger && *larger == count) return search_.mayGoOn();
+  filter.highestCount = antecedentCountBound(count, minConfidence_);
   filter.lowestCount = kAnyCount;
-  if (prunesByCount_) {
-    if (const std::optional<int> larger = largerCount(whole)) {
-      const int bound = antecedentCountBound(*larger, minConfidence_);
-      if (bound >= filter.highestCount) return search_.mayGoOn();
-      filter.lowestCount = bound + 1.0;
-    }
+  if (larger) {
+    const int bound = antecedentCountBound(*larger, minConfidence_);
+    if (bound >= filter.highestCount) return search_.mayGoOn();
+    filter.lowestCount = bound + 1.0;
   }
   const std::size_t begin = antecedents.size();
   const bool goesOn = search_.run(whole, filter, antecedents);
