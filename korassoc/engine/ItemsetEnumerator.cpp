@@ -9,7 +9,8 @@ struct ItemsetEnumerator::Member {
   const std::uint64_t* bits;
 };
 
-// Local ranks number the frequent extensions of the path by falling count.
+// Local ranks number the frequent extensions of the path in the order of their ranks outside: so the cells of
+// a row, which are read from its end, come in falling order and need no sorting.
 struct ItemsetEnumerator::Level {
   const std::uint32_t* outerRank = nullptr;  // by local rank; null at the outermost level: they are the same
   std::vector<std::uint32_t> outerRanks;
@@ -19,8 +20,8 @@ struct ItemsetEnumerator::Level {
   std::vector<int> counts;  // scratch of the sweep, by rank of the rows swept; all 0 between
   std::vector<std::uint32_t> extensions;
   std::vector<std::uint32_t> localRank;  // by rank of the rows swept; kNone: no frequent extension
-  std::vector<std::uint32_t> row;
-  std::vector<std::uint64_t> bits;  // bit sets of the extensions of one member
+  std::vector<std::uint32_t> row;        // filled from its end
+  std::vector<std::uint64_t> bits;       // bit sets of the extensions of one member
   std::vector<Member> members;
 };
 
@@ -95,9 +96,6 @@ bool ItemsetEnumerator::project(const RankedRows& rows, std::uint32_t rank, Leve
     goesOn = goesOn && take(depth + 2, counts[extension]);
     next.extensions.push_back(extension);
   }
-  std::sort(next.extensions.begin(), next.extensions.end(), [counts](std::uint32_t a, std::uint32_t b) {
-    return counts[a] != counts[b] ? counts[a] > counts[b] : a < b;
-  });
   for (const std::uint32_t extension : next.extensions) counts[extension] = 0;
   if (!goesOn) return false;
   for (const std::uint32_t extension : next.extensions) {
@@ -106,15 +104,19 @@ bool ItemsetEnumerator::project(const RankedRows& rows, std::uint32_t rank, Leve
   }
   next.outerRank = next.outerRanks.data();
   if (next.extensions.size() >= 2 && depth + 3 <= maxLength_) {
+    next.row.resize(next.extensions.size() + 1);  // and room for the cell looked at last
+    std::uint32_t* const rowEnd = next.row.data() + next.row.size();
+    const std::uint32_t* const localRank = next.localRank.data();
     for (const std::uint32_t* occurrence = begin; occurrence != end; ++occurrence) {
-      next.row.clear();
+      std::uint32_t* first = rowEnd;
       for (const std::uint32_t* cell = rows.cell(*occurrence) - 1; *cell != RankedRows::kRowEnd; --cell) {
-        if (next.localRank[*cell] != ItemCodes::kNone) next.row.push_back(next.localRank[*cell]);
+        const std::uint32_t local = localRank[*cell];
+        *(first - 1) = local;
+        first -= local != ItemCodes::kNone ? 1 : 0;
       }
-      const std::size_t length = next.row.size();
+      const auto length = static_cast<std::size_t>(rowEnd - first);
       if (length < 2) continue;
-      std::sort(next.row.begin(), next.row.end());
-      next.rows.addRow(next.row);
+      next.rows.addRow({first, length});
       next.pairsInRows += length * (length - 1) / 2;
     }
   }

@@ -41,7 +41,7 @@ void RankedRows::clear() {
   rowCount_ = 0;
 }
 
-void RankedRows::addRow(const std::vector<std::uint32_t>& ranks) {
+void RankedRows::addRow(std::span<const std::uint32_t> ranks) {
   if (cells_.empty()) cells_.push_back(kRowEnd);
   cells_.insert(cells_.end(), ranks.begin(), ranks.end());
   cells_.push_back(kRowEnd);

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <unordered_map>
 #include <vector>
 
@@ -44,7 +45,7 @@ class RankedRows {
 
   void clear();
   // Appends a row of at least two ascending ranks.
-  void addRow(const std::vector<std::uint32_t>& ranks);
+  void addRow(std::span<const std::uint32_t> ranks);
   // Lists the occurrences of the ranks 0 to rankCount - 1. To be called once, after the last row.
   void listOccurrences(std::size_t rankCount);
 
