@@ -2,9 +2,12 @@
 
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
+
+#include "korassoc/base/Prefetch.h"
 
 namespace korassoc::detail {
 
@@ -34,6 +37,16 @@ class EntryIndex {
   void makeRoom() {
     if (4 * (count_ + 1) > 3 * slots_.size()) resize(slots_.empty() ? kFirstSlots : 2 * slots_.size());
   }
+  // Makes room for this many entries in all.
+  void makeRoomFor(std::size_t entries) {
+    std::size_t slots = kFirstSlots;
+    while (4 * entries > 3 * slots) slots *= 2;
+    if (slots > slots_.size()) resize(slots);
+  }
+  // Starts to fetch what find() and add() look at first.
+  void prefetchHome(std::uint64_t code) const {
+    if (!slots_.empty()) prefetch(&slots_[home(code)]);
+  }
   void add(std::uint64_t code, Entry* entry) {
     std::size_t place = home(code);
     while (slots_[place].entry != nullptr) place = next(place);
@@ -57,6 +70,11 @@ class EntryIndex {
 
   void clear() {
     slots_ = {};
+    count_ = 0;
+  }
+  // Takes out everything and keeps the room.
+  void empty() {
+    std::fill(slots_.begin(), slots_.end(), Slot());
     count_ = 0;
   }
 

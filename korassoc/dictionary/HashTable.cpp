@@ -90,35 +90,35 @@ void HashTable::putReplace(ItemSet* set, SetCounter* descriptor) {
 }
 
 void HashTable::putNew(ItemSet* set, SetCounter* descriptor) {
-  makeRoom(*set);
+  Entry*& head = makeRoom(set->hashcode());
   Entry* node = newNode();
   *node = Entry{set, descriptor, nullptr};
-  hang(node);
+  hang(node, head, codeOf(*set));
 }
 
 HashTable::Entry* HashTable::emplace(const ItemSetView& set, const CarmaSetDescriptor& descriptor) {
   ItemSet key(set.items, set.length);
-  makeRoom(key);
+  Entry*& head = makeRoom(key.hashcode());
   Entry* entry = pool_.take(std::move(key), descriptor);
-  hang(entry);
+  hang(entry, head, set.code);
   return entry;
 }
 
-// Makes the table large enough for one entry more, so that nothing can fail when it is hung into its chain.
-void HashTable::makeRoom(const ItemSet& set) {
+// Makes the table large enough for one entry more, so that nothing can fail when it is hung into its chain,
+// whose head is returned.
+HashTable::Entry*& HashTable::makeRoom(int hash) {
   if (buckets_.empty()) buckets_ = Buckets(static_cast<std::size_t>(bucketCount_));
   if (count_ >= threshold_) rehash();
   buckets_.prepareFor(static_cast<std::size_t>(count_) + 1);
-  buckets_.link(indexOf(set.hashcode()));
   index_.makeRoom();
+  return buckets_.link(indexOf(hash));
 }
 
 // Puts an entry at the head of its chain.
-void HashTable::hang(Entry* entry) {
-  Entry*& head = buckets_.link(indexOf(entry->key->hashcode()));
+void HashTable::hang(Entry* entry, Entry*& head, std::uint64_t code) {
   entry->next = head;
   head = entry;
-  index_.add(codeOf(*entry->key), entry);
+  index_.add(code, entry);
   ++count_;
 }
 
@@ -176,6 +176,18 @@ HashTable::Entry* HashTable::unlink(Entry** link) {
   index_.remove(codeOf(*entry->key), entry);
   --count_;
   return entry;
+}
+
+void HashTable::forget(const Entry* removed, int count) {
+  count_ -= count;
+  if (count <= count_) {
+    for (const Entry* entry = removed; entry != nullptr; entry = entry->next) {
+      index_.remove(codeOf(*entry->key), entry);
+    }
+    return;
+  }
+  index_.empty();  // the shorter way when fewer remain
+  forEach([this](Entry& entry) { index_.add(codeOf(*entry.key), &entry); });
 }
 
 void HashTable::release(Entry* entry) {

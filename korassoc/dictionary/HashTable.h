@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <iosfwd>
 #include <memory>
+#include <utility>
 
 #include "korassoc/base/Export.h"
 #include "korassoc/dictionary/BucketArray.h"
@@ -68,6 +69,8 @@ class KORASSOC_EXPORT HashTable {
   // The entry of the set equal to the given one, or null; valid until it is removed.
   Entry* find(const ItemSet* set) const;
   Entry* find(const ItemSetView& set) const;
+  // Starts to fetch what looking for a set with this code, or adding it, needs first.
+  void prefetch(std::uint64_t code) const { index_.prefetchHome(code); }
   // Unlinks the entry of an equal set and returns it, or null. The caller owns the entry, its key and its
   // descriptor; the entry alone may be given back with recycle().
   Entry* remove(const ItemSet* set);
@@ -78,9 +81,6 @@ class KORASSOC_EXPORT HashTable {
   // Empties the table and gives it this many buckets (at least 1): what reading a saved table begins with.
   void resetBuckets(int bucketCount);
 
-  // Removes the entry whose link is given: *link becomes the next of the chain. For sweeps that remove as
-  // they walk; returns the entry as remove() does.
-  Entry* unlink(Entry** link);
   // Deletes the key and descriptor of an entry that was removed and takes the entry for reuse.
   void release(Entry* entry);
   // Takes an entry that was removed, whose key and descriptor are gone, for reuse.
@@ -111,18 +111,33 @@ class KORASSOC_EXPORT HashTable {
   }
 
   // Removes every entry for which drop(Entry&) answers true and hands it to discard(Entry*), in table order.
+  // drop must not throw, nor change the table.
   template <typename Drop, typename Discard>
   void sweep(Drop&& drop, Discard&& discard) {
+    Entry* removed = nullptr;
+    Entry** end = &removed;
+    int count = 0;
     buckets_.forEachHead([&](Entry*& head) {
       Entry** link = &head;
       while (*link != nullptr) {
         if (drop(**link)) {
-          discard(unlink(link));
+          *end = *link;
+          *link = (*link)->next;
+          end = &(*end)->next;
+          ++count;
         } else {
           link = &(*link)->next;
         }
       }
     });
+    *end = nullptr;
+    forget(removed, count);
+    while (removed != nullptr) {
+      Entry* entry = removed;
+      removed = std::exchange(entry->next, nullptr);
+      discard(entry);
+    }
+    pool_.orderFreeBlocks(static_cast<std::size_t>(count));
   }
 
   // The record in a binary state: "HT", the number of entries, then the records of key and descriptor of
@@ -154,14 +169,18 @@ class KORASSOC_EXPORT HashTable {
                                     static_cast<std::uint32_t>(bucketCount_));
   }
   Entry** linkTo(const Entry& entry);
+  // Removes the entry whose link is given: *link becomes the next of the chain.
+  Entry* unlink(Entry** link);
+  // Takes a chain of so many entries, which are in no bucket any more, out of the index.
+  void forget(const Entry* removed, int count);
   static void deleteKey(Entry& entry);
   void rehash();
   void setBucketCount(int count);
   Entry* newNode();
   void deleteContents();
   void takeOver(Entry* first, int entries);
-  void makeRoom(const ItemSet& set);
-  void hang(Entry* entry);
+  Entry*& makeRoom(int hash);
+  void hang(Entry* entry, Entry*& head, std::uint64_t code);
 
   static constexpr float kLoadFactor = 0.75F;
 

@@ -300,8 +300,9 @@ void HashTable::takeOver(Entry* first, int entries) {
       ahead = ahead->next;
     }
     if (find(entry->key) == nullptr) {
-      makeRoom(*entry->key);
-      hang(list.popFront());
+      const std::uint64_t code = korassoc::detail::setCode(entry->key->getTheArray(), entry->key->length());
+      Entry*& head = makeRoom(entry->key->hashcode());
+      hang(list.popFront(), head, code);
     } else {
       list.deleteFront();
     }

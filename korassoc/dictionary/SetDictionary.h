@@ -223,6 +223,16 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   // incrementSet() that also tells where the stored items are (those of the argument for a set on disk).
   Counted increment(const ItemSetView& set);
   SetCounter* find(const ItemSetView& set);
+  // Starts to fetch what looking for a set of this length and code needs first.
+  void prefetch(int length, std::uint64_t code) const {
+    if (const HashTable* table = tableOrNull(length)) table->prefetch(code);
+  }
+  // Whether every subset of a stored set is known to be stored. It is as long as sets are added by the phase
+  // I step alone, which adds them after their subsets and counts the subsets whenever it counts the set, and
+  // nothing but the pruning takes them out.
+  bool isClosed() const { return closed_ && leaveInMainStoreCount_ < 1 && !diskSpill_; }
+  // What is stored from now on need not be so.
+  void setOpen() { closed_ = false; }
   // addSet() of a copy of the set with a copy of the descriptor, without an allocation of its own where there
   // is room.
   int add(const ItemSetView& set, const CarmaSetDescriptor& descriptor);
@@ -307,6 +317,7 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   std::unique_ptr<DictionarySettings> ownSettings_;
   DictionarySettings* settings_;
   korassoc::detail::SmallQueue smallQueue_;
+  bool closed_ = true;
   int queueTopCount_ = 0;  // an incremented queued set with a higher count moves to the tail
   int leaveInMainStoreCount_;
   bool restartFailed_ = false;

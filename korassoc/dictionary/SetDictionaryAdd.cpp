@@ -121,6 +121,7 @@ int SetDictionary::addOwned(std::unique_ptr<ItemSet> set, SetCounter* descriptor
 // has to live on as long as it may stand in the queue.
 void SetDictionary::store(std::unique_ptr<ItemSet> set, SetCounter* descriptor) {
   graph_.reset();
+  setOpen();
   if (table(set->length()).put(set.get(), descriptor)) {
     static_cast<void>(set.release());
     return;
@@ -171,7 +172,7 @@ int SetDictionary::addBySpilling(std::unique_ptr<ItemSet> set, SetCounter* descr
 
 // Deletes a removed entry with its set and descriptor; while a step runs they live on until it ends.
 void SetDictionary::discard(HashTable::Entry* entry, HashTable& table) {
-  smallQueue_.unlink(entry->key);
+  if (!smallQueue_.empty()) smallQueue_.unlink(entry->key);
   if (holdsEvicted_) {
     evicted_.emplace_back(&table, entry);
   } else {

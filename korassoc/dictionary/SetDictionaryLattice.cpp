@@ -123,6 +123,7 @@ void SetDictionary::adopt(const korassoc::detail::CompleteItemsets& itemsets) {
   spillStore_.reset();
   inStoreCount_ = korassoc::detail::saturatingSum(
       korassoc::detail::saturatingInt(static_cast<double>(itemsets.size())), 1);
+  setOpen();
   latticeBuilt_ = false;
   linkLevels();
   latticeBuilt_ = true;

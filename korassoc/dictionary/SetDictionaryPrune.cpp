@@ -11,14 +11,17 @@
 
 int SetDictionary::removeSmallSets(double minCount) {
   int removed = 0;
+  const bool closed = closed_;
   for (int level = 1; level <= maxLevel_ && getLevelSize(level) >= 1; ++level)
     removed += removeSmall(level, minCount);
+  closed_ = closed;  // a set is in no more transactions than its subsets are
   if (latticeBuilt_) rebuildLinks();
   return removed;
 }
 
 int SetDictionary::removeSmall(int level, double minCount) {
   graph_.reset();
+  setOpen();
   if (!bitsetOff_ && level >= 2) clearLevelBits(level - 1);
   const int bound = korassoc::detail::pruneCountBound(minCount);
   int removed = 0;
@@ -26,7 +29,7 @@ int SetDictionary::removeSmall(int level, double minCount) {
   if (table != nullptr) {
     table->sweep(
         [&](HashTable::Entry& entry) {
-          if (!bitsetOff_) smallQueue_.unlink(entry.key);
+          if (!bitsetOff_ && !smallQueue_.empty()) smallQueue_.unlink(entry.key);
           if (entry.descriptor == nullptr || entry.descriptor->count < bound) return true;
           if (!bitsetOff_) markItems(entry.key);
           return false;

@@ -95,6 +95,7 @@ void SetDictionary::restart(const RecordHead& head) {
   graph_.reset();
   spillStore_.reset();
   levels_.clear();
+  setOpen();
   itemBits_->reset();
   latticeBuilt_ = head.latticeBuilt;
   recordedSpillLevel_ = head.spillLevel;

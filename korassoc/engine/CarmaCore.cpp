@@ -71,6 +71,8 @@ KorStatus CarmaCore::step(SetDictionary& dictionary, const Transaction& transact
     dictionary.increment(ItemSetView(nullptr, 0));
     work_.clear();
     heldOfUse_ = 0;
+    if (std::adjacent_find(items_.begin(), items_.end()) != items_.end()) dictionary.setOpen();
+    closed_ = dictionary.isClosed();
     for (std::size_t i = 0; stored && i < items_.size(); ++i)
       stored = handleItem(dictionary, items_[i], bounds);
   } catch (...) {
@@ -92,17 +94,35 @@ bool CarmaCore::handleItem(SetDictionary& dictionary, const int& item, const Bou
   }
   if (counted.descriptor->count < bounds.extendFrom || maxLengthSet_ < 2) return true;
   const std::size_t parents = work_.size();
-  work_.push_back({counted.items, 1, single.code, counted.descriptor});
+  work_.push_back({counted.items, 1, -1, single.code, counted.descriptor});
+  return extendAll(dictionary, parents, single, *counted.descriptor, bounds);
+}
+
+// Extends the first so many sets of the work list. False when the dictionary refused a candidate.
+bool CarmaCore::extendAll(SetDictionary& dictionary, std::size_t parents, const ItemSetView& item,
+                          const SetCounter& single, const Bounds& bounds) {
+  constexpr std::size_t kAhead = 12;  // look-ups whose memory is on its way
+  extended_.assign(parents, 0);
   for (std::size_t i = 0; i < parents; ++i) {
-    const Found parent = work_[i];  // extend() may move the list
-    if (!extend(dictionary, parent, single, *counted.descriptor, bounds)) return false;
+    if (i + kAhead < parents) {
+      const Found& later = work_[i + kAhead];
+      dictionary.prefetch(later.length + 1, later.code + item.code);
+    }
+    const Found& parent = work_[i];
+    if (closed_ && parent.parent >= 0 && extended_[static_cast<std::size_t>(parent.parent)] == 0) {
+      longestCandidate_ = std::max(longestCandidate_, parent.length + 1);
+    } else if (!extend(dictionary, i, item, single, bounds)) {
+      return false;
+    }
   }
   return true;
 }
 
-// Counts parent with item added, or makes it a candidate. False when the dictionary refused it.
-bool CarmaCore::extend(SetDictionary& dictionary, const Found& parent, const ItemSetView& item,
+// Counts the set at a place of the work list with item added, or makes it a candidate. False when the
+// dictionary refused it.
+bool CarmaCore::extend(SetDictionary& dictionary, std::size_t place, const ItemSetView& item,
                        const SetCounter& single, const Bounds& bounds) {
+  const Found parent = work_[place];  // the list may move
   const int length = parent.length + 1;
   candidate_.assign(parent.items, parent.items + parent.length);
   candidate_.push_back(item.items[0]);
@@ -110,7 +130,10 @@ bool CarmaCore::extend(SetDictionary& dictionary, const Found& parent, const Ite
   const ItemSetView set(candidate_.data(), length, parent.code + item.code);
   const SetDictionary::Counted counted = dictionary.increment(set);
   if (counted.descriptor != nullptr) {
-    if (length < maxLengthSet_) work_.push_back({counted.items, length, set.code, counted.descriptor});
+    extended_[place] = 1;
+    if (length < maxLengthSet_) {
+      work_.push_back({counted.items, length, static_cast<int>(place), set.code, counted.descriptor});
+    }
     return true;
   }
   const long long parentBound = upperBound(*parent.descriptor) - 1;  // before this transaction

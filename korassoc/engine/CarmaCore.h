@@ -19,7 +19,8 @@
 //   work_    {1}  {3} {1 3}  {8} {1 8} {3 8} ...     only stored sets whose one-item sets reach the threshold
 //
 // Ownership: owns its buffers; knows a dictionary only during a call.
-// Cost of a step: one look-up for each pair of a work list entry and a later item.
+// Cost of a step: one look-up for each pair of a work list entry and a later item. Where the dictionary is
+// closed under taking subsets, the pair {1 3}, 8 is passed over when {1 8} is not stored.
 class CarmaCore {
  public:
   // maxLengthSet: most items of a stored set. maxTranLength: items that room is made for; longer transactions
@@ -64,6 +65,7 @@ class CarmaCore {
   struct Found {
     const int* items;  // as stored in the dictionary; of a set on disk, in items_
     int length;
+    int parent;  // the place of this set without its last item; -1: of a set of one item
     std::uint64_t code;
     SetCounter* descriptor;
   };
@@ -77,8 +79,10 @@ class CarmaCore {
 
   void fetch(const Transaction& transaction);
   bool handleItem(SetDictionary& dictionary, const int& item, const Bounds& bounds);
-  bool extend(SetDictionary& dictionary, const Found& parent, const ItemSetView& item,
-              const SetCounter& single, const Bounds& bounds);
+  bool extendAll(SetDictionary& dictionary, std::size_t parents, const ItemSetView& item,
+                 const SetCounter& single, const Bounds& bounds);
+  bool extend(SetDictionary& dictionary, std::size_t place, const ItemSetView& item, const SetCounter& single,
+              const Bounds& bounds);
   bool boundMissed(SetDictionary& dictionary, const ItemSetView& candidate, const SetCounter& single,
                    const Bounds& bounds, long long parentBound, long long& missed);
   bool checkSubsets(SetDictionary& dictionary, const ItemSetView& candidate, const Bounds& bounds,
@@ -91,6 +95,8 @@ class CarmaCore {
   std::vector<int> candidate_;  // a stored set and one more item
   std::vector<int> subset_;     // the candidate without one of its items
   std::vector<Found> work_;
+  std::vector<char> extended_;           // by place: whether the set with the item at hand is stored
+  bool closed_ = false;                  // of the transaction at hand: see SetDictionary::isClosed()
   std::vector<const SetCounter*> used_;  // the descriptors on the work list, ascending, to look one up
   int heldOfUse_ = 0;                    // evicted sets that were on the work list when last looked
   korassoc::detail::ExactCounter exact_;

@@ -87,6 +87,33 @@ TEST_F(CarmaCoreEdge, TransactionLongerThanPreparedForIsHandledInFull) {
   EXPECT_EQ(dictionary->getLevelSize(2), 10);
 }
 
+// The step passes over sets whose subsets are not stored only where none of these can be stored.
+TEST_F(CarmaCoreEdge, StoredSetIsCountedWithoutItsSubsetsBeingStored) {
+  start(5);
+  step("abc");
+  for (const std::vector<int>& set : {std::vector<int>{1, 2}, std::vector<int>{1, 2, 3}}) {
+    ASSERT_EQ(dictionary->addSet(set.data(), static_cast<int>(set.size()), new CarmaSetDescriptor(1, 1, 0)),
+              0);
+  }
+  EXPECT_FALSE(dictionary->isClosed());
+  step("abc");
+  EXPECT_EQ(dictionary->getCount(std::make_unique<ItemSet>(std::vector<int>{1, 2, 3}.data(), 3).get()), 2);
+}
+
+TEST_F(CarmaCoreEdge, DictionaryIsClosedUntilSomethingElseAddsOrTakesOut) {
+  start(5);
+  EXPECT_TRUE(dictionary->isClosed());
+  for (int t = 0; t < 4; ++t) step("abcd");
+  dictionary->removeSmallSets(2);
+  EXPECT_TRUE(dictionary->isClosed());
+  dictionary->removeSmall(1, 2);
+  EXPECT_FALSE(dictionary->isClosed());
+
+  start(5);
+  step("aa");
+  EXPECT_FALSE(dictionary->isClosed());
+}
+
 TEST_F(CarmaCoreEdge, EmptyTransactionCountsTheEmptySet) {
   start(3);
   step("");
