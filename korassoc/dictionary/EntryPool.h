@@ -28,14 +28,15 @@ class EntryPool {
 
   // An entry whose key and descriptor are its block's own, with these values.
   Entry* take(ItemSet&& set, const CarmaSetDescriptor& descriptor) {
-    if (free_ == nullptr) addChunk();
-    Block* block = static_cast<Block*>(free_);
-    free_ = block->next;
-    block->set = std::move(set);
+    Block* block = takeBlock(std::move(set));
     block->counter = descriptor;
-    block->key = &block->set;
     block->descriptor = &block->counter;
-    block->next = nullptr;
+    return block;
+  }
+  // The same with a descriptor that is not the pool's.
+  Entry* take(ItemSet&& set, SetCounter* descriptor) {
+    Block* block = takeBlock(std::move(set));
+    block->descriptor = descriptor;
     return block;
   }
   // Takes back an entry of this pool.
@@ -73,6 +74,16 @@ class EntryPool {
     CarmaSetDescriptor counter;  // within the first cache line, where the block begins with one
     ItemSet set;
   };
+
+  Block* takeBlock(ItemSet&& set) {
+    if (free_ == nullptr) addChunk();
+    Block* block = static_cast<Block*>(free_);
+    free_ = block->next;
+    block->set = std::move(set);
+    block->key = &block->set;
+    block->next = nullptr;
+    return block;
+  }
 
   void addChunk() {
     constexpr std::size_t kFirstChunk = 16;

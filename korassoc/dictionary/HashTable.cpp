@@ -104,6 +104,15 @@ HashTable::Entry* HashTable::emplace(const ItemSetView& set, const CarmaSetDescr
   return entry;
 }
 
+HashTable::Entry* HashTable::emplace(const ItemSetView& set, std::unique_ptr<SetCounter> descriptor) {
+  ItemSet key(set.items, set.length);
+  Entry*& head = makeRoom(key.hashcode());
+  Entry* entry = pool_.take(std::move(key), descriptor.get());
+  static_cast<void>(descriptor.release());
+  hang(entry, head, set.code);
+  return entry;
+}
+
 // Makes the table large enough for one entry more, so that nothing can fail when it is hung into its chain,
 // whose head is returned.
 HashTable::Entry*& HashTable::makeRoom(int hash) {

@@ -64,6 +64,8 @@ class KORASSOC_EXPORT HashTable {
   void putNew(ItemSet* set, SetCounter* descriptor);
   // putNew() of a copy of the set with a copy of the descriptor, both in a block of the table's own.
   Entry* emplace(const ItemSetView& set, const CarmaSetDescriptor& descriptor);
+  // The same with a descriptor of the caller's, which the table takes over.
+  Entry* emplace(const ItemSetView& set, std::unique_ptr<SetCounter> descriptor);
   // As put(), but replaces key and descriptor of an equal stored set, deleting the former ones.
   void putReplace(ItemSet* set, SetCounter* descriptor);
   // The entry of the set equal to the given one, or null; valid until it is removed.

@@ -106,11 +106,8 @@ void SetDictionary::adopt(const korassoc::detail::CompleteItemsets& itemsets) {
     tables[level] = std::make_unique<HashTable>(initialBuckets(static_cast<int>(level)));
   }
   const auto store = [&tables](const int* items, std::size_t length, int count) {
-    auto set = std::make_unique<ItemSet>(items, static_cast<int>(length));
-    auto descriptor = std::make_unique<LatticeSetDescriptor>(count, 0, 0, 0, kAdjacentGrowth);
-    tables[length]->putNew(set.get(), descriptor.get());
-    static_cast<void>(set.release());
-    static_cast<void>(descriptor.release());
+    tables[length]->emplace(ItemSetView(items, static_cast<int>(length)),
+                            std::make_unique<LatticeSetDescriptor>(count, 0, 0, 0, kAdjacentGrowth));
   };
   store(nullptr, 0, itemsets.transactionCount);
   for (std::size_t level = 0; level < itemsets.levels.size(); ++level) {
