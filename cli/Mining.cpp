@@ -32,7 +32,7 @@ constexpr int kUsualSets = 2000000;         // itemsets, where no limit is given
 
 // The preview of an exact run: a small part of its work.
 constexpr int kPreviewBaskets = 500;
-constexpr std::size_t kPreviewLongest = 10;
+constexpr std::size_t kPreviewLongest = 8;
 constexpr int kPreviewSets = 4000;
 constexpr long kFailedInside = 40001;
 constexpr long kEmptyLattice = 40002;  // not an item is frequent enough: there is nothing to make rules of
@@ -102,7 +102,7 @@ void Mining::limitMemory() {
   DictionarySettings& dictionary = settings_.GetDictionarySettings();
   dictionary.SetMaxInStoreSets(room_);
   if (plan_.mode == MiningMode::kExact) dictionary.SetMaxInStoreSets(std::min(room_, kPreviewSets));
-  if (plan_.mode != MiningMode::kApproximate) return;
+  if (plan_.mode != MiningMode::kApproximate || !plan_.maxSets) return;
   dictionary.SetLeaveInMainStoreCount(1);
   if (!plan_.spillFolder) return;
   dictionary.SetDiskSpill(true);
@@ -169,10 +169,9 @@ void Mining::runSecondPass() {
       check(engine_->RunNullPhaseII(0), "closing the pass");
       break;
   }
-  if (const auto* lattice = dynamic_cast<const SetDictionary*>(engine_->GetLattice())) {
-    figures_.setsGivenUp = lattice->setsGivenUp();
-    figures_.setsSpilled = lattice->setsSpilled();
-  }
+  const auto& dictionary = dynamic_cast<const SetDictionary&>(lattice());
+  figures_.setsGivenUp = dictionary.setsGivenUp();
+  figures_.setsSpilled = dictionary.setsSpilled();
 }
 
 void Mining::beforeBasket(int number) {
@@ -264,10 +263,10 @@ std::vector<AssociationRule> Mining::rules(const RuleQuery& query) {
 }
 
 RuleBounds Mining::bounds(const AssociationRule& rule) const {
-  auto* lattice = dynamic_cast<SetDictionary*>(engine_->GetLattice());
+  auto& dictionary = dynamic_cast<SetDictionary&>(lattice());
   const std::unique_ptr<ItemSet> both(rule.getAntecedent().setUnion(&rule.getConsequent()));
-  const SetCounter* whole = lattice == nullptr ? nullptr : lattice->getDescriptor(both.get());
-  const SetCounter* part = lattice == nullptr ? nullptr : lattice->getDescriptor(&rule.getAntecedent());
+  const SetCounter* whole = dictionary.getDescriptor(both.get());
+  const SetCounter* part = dictionary.getDescriptor(&rule.getAntecedent());
   if (whole == nullptr || part == nullptr) throw CliError(ExitCode::kRunFailed, "a rule of unknown itemsets");
   const int transactions = figures_.transactions;
   const auto largest = [transactions](const SetCounter& counter) {

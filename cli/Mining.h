@@ -27,7 +27,6 @@ struct MiningFigures {
   int longestSet = 0;            // items of the longest itemset in the lattice
   int setsGivenUp = 0;           // itemsets that were dropped with their counts to make room for others
   int setsSpilled = 0;           // those that went to the disk instead
-  int countKept = 0;             // itemsets in fewer transactions were dropped at the end
   double secondsPhaseI = 0;
   double secondsPhaseII = 0;
 };
@@ -50,6 +49,9 @@ class Mining {
 
   // The threshold and the itemsets found, a line each, on standard error.
   void report() const;
+
+  // The itemsets found, for what is not asked here.
+  SemiLattice& lattice() const { return *engine_->GetLattice(); }
 
   // In plain words, what the plan's limit has taken away from the result; empty when nothing.
   std::string limitReached() const;
