@@ -93,12 +93,11 @@ std::size_t displayWidth(std::string_view text) {
   std::size_t width = 0;
   while (!text.empty()) {
     const CodePoint c = firstCodePoint(text);
-    if (c.value < 0x300) {
+    const bool narrow = c.value < 0x300 || !(within(kWide, c.value) || within(kZeroWidth, c.value));
+    if (narrow) {
       width += 1;
     } else if (within(kWide, c.value)) {
       width += 2;
-    } else if (!within(kZeroWidth, c.value)) {
-      width += 1;
     }
     text.remove_prefix(std::max<std::size_t>(c.bytes, 1));
   }

@@ -22,7 +22,7 @@ class BasketIterator : public MultiPassTransIter {
   int Restart() override;
 
  private:
-  class Basket : public Transaction {
+  class Basket final : public Transaction {
    public:
     void show(std::span<const int> items, int id) {
       items_ = items;

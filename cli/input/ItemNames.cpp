@@ -58,6 +58,7 @@ std::vector<std::string> ItemNames::nearest(std::string_view label, std::size_t 
     best.insert(place, {distance, std::move(candidate)});
   }
   std::vector<std::string> names;
+  names.reserve(best.size());
   for (Candidate& candidate : best) names.push_back(std::move(candidate.name));
   return names;
 }

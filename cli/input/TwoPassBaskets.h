@@ -37,7 +37,7 @@ class TwoPassBaskets : public MultiPassTransIter {
   int Restart() override;
 
  private:
-  class Shortened : public Transaction {
+  class Shortened final : public Transaction {
    public:
     int GetItem(int position) const override { return items[static_cast<std::size_t>(position)]; }
     int GetTransactionID() const override { return id; }
