@@ -90,7 +90,7 @@ void HashTable::putReplace(ItemSet* set, SetCounter* descriptor) {
 }
 
 void HashTable::putNew(ItemSet* set, SetCounter* descriptor) {
-  Entry*& head = makeRoom(set->hashcode());
+  Entry*& head = makeRoom(set->hashcode(), count_);
   Entry* node = newNode();
   *node = Entry{set, descriptor, nullptr};
   hang(node, head, codeOf(*set));
@@ -98,7 +98,7 @@ void HashTable::putNew(ItemSet* set, SetCounter* descriptor) {
 
 HashTable::Entry* HashTable::emplace(const ItemSetView& set, const CarmaSetDescriptor& descriptor) {
   ItemSet key(set.items, set.length);
-  Entry*& head = makeRoom(key.hashcode());
+  Entry*& head = makeRoom(key.hashcode(), count_);
   Entry* entry = pool_.take(std::move(key), descriptor);
   hang(entry, head, set.code);
   return entry;
@@ -106,19 +106,25 @@ HashTable::Entry* HashTable::emplace(const ItemSetView& set, const CarmaSetDescr
 
 HashTable::Entry* HashTable::emplace(const ItemSetView& set, std::unique_ptr<SetCounter> descriptor) {
   ItemSet key(set.items, set.length);
-  Entry*& head = makeRoom(key.hashcode());
+  Entry*& head = makeRoom(key.hashcode(), count_);
   Entry* entry = pool_.take(std::move(key), descriptor.get());
   static_cast<void>(descriptor.release());
   hang(entry, head, set.code);
   return entry;
 }
 
-// Makes the table large enough for one entry more, so that nothing can fail when it is hung into its chain,
-// whose head is returned.
-HashTable::Entry*& HashTable::makeRoom(int hash) {
+void HashTable::makeRoomFor(const ItemSet& set, int leaving) {
+  makeRoom(set.hashcode(), count_ - leaving);
+  buckets_.prepareFor(static_cast<std::size_t>(count_ - leaving) + 1);  // the new head may tip the scales
+  if (freeNodes_ == nullptr) recycle(new Entry{nullptr, nullptr, nullptr});
+}
+
+// Makes the table large enough for one entry beside so many others, so that nothing can fail when it is hung
+// into its chain, whose head is returned.
+HashTable::Entry*& HashTable::makeRoom(int hash, int others) {
   if (buckets_.empty()) buckets_ = Buckets(static_cast<std::size_t>(bucketCount_));
-  if (count_ >= threshold_) rehash();
-  buckets_.prepareFor(static_cast<std::size_t>(count_) + 1);
+  if (others >= threshold_) rehash();
+  buckets_.prepareFor(static_cast<std::size_t>(others) + 1);
   index_.makeRoom();
   return buckets_.link(indexOf(hash));
 }

@@ -66,6 +66,9 @@ class KORASSOC_EXPORT HashTable {
   Entry* emplace(const ItemSetView& set, const CarmaSetDescriptor& descriptor);
   // The same with a descriptor of the caller's, which the table takes over.
   Entry* emplace(const ItemSetView& set, std::unique_ptr<SetCounter> descriptor);
+  // Makes room for this set, so that a put() or putNew() of it that comes next does not fail. leaving: how
+  // many entries the caller removes in between.
+  void makeRoomFor(const ItemSet& set, int leaving);
   // As put(), but replaces key and descriptor of an equal stored set, deleting the former ones.
   void putReplace(ItemSet* set, SetCounter* descriptor);
   // The entry of the set equal to the given one, or null; valid until it is removed.
@@ -181,7 +184,7 @@ class KORASSOC_EXPORT HashTable {
   Entry* newNode();
   void deleteContents();
   void takeOver(Entry* first, int entries);
-  Entry*& makeRoom(int hash);
+  Entry*& makeRoom(int hash, int others);
   void hang(Entry* entry, Entry*& head, std::uint64_t code);
 
   static constexpr float kLoadFactor = 0.75F;

@@ -301,7 +301,7 @@ void HashTable::takeOver(Entry* first, int entries) {
     }
     if (find(entry->key) == nullptr) {
       const std::uint64_t code = korassoc::detail::setCode(entry->key->getTheArray(), entry->key->length());
-      Entry*& head = makeRoom(entry->key->hashcode());
+      Entry*& head = makeRoom(entry->key->hashcode(), count_);
       hang(list.popFront(), head, code);
     } else {
       list.deleteFront();

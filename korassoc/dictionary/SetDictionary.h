@@ -137,7 +137,8 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
 
   // Stores a set that is not stored yet (the caller has made sure). Answers 0 when it was stored, with the
   // descriptor taken over; 3 when memory is full; another value when the spill store refused it. A refused
-  // descriptor stays the caller's. Throws DictionaryFailure* when the spill store breaks.
+  // descriptor stays the caller's. Throws DictionaryFailure* when the spill store breaks, std::bad_alloc when
+  // memory runs out: the descriptor stays the caller's then too, and the dictionary as it was.
   virtual int addSet(const int* values, int valueCount, const int* index, int n, SetCounter* descriptor);
   virtual int addSet(const int* items, int n, SetCounter* descriptor);
   virtual int addSet(ItemSet* set, SetCounter* descriptor);  // takes over set, whatever the answer
@@ -295,7 +296,8 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
 
   template <typename Report>
   int addOwned(std::unique_ptr<ItemSet> set, SetCounter* descriptor, Report&& reportFailure);
-  void store(std::unique_ptr<ItemSet> set, SetCounter* descriptor);
+  void prepareToStore(const ItemSet& set, const HashTable* leaving);
+  void store(std::unique_ptr<ItemSet>& set, SetCounter* descriptor, bool queued);
   int addBySpilling(std::unique_ptr<ItemSet> set, SetCounter* descriptor);
   int addByGivingUp(std::unique_ptr<ItemSet> set, SetCounter* descriptor);
   void discard(HashTable::Entry* entry, HashTable& table);

@@ -17,6 +17,12 @@ namespace {
 constexpr int kStored = 0;
 constexpr int kMemoryFull = 3;
 
+// Makes room for one element more, so that adding it does not fail.
+template <typename T>
+void reserveOneMore(std::vector<T>& elements) {
+  if (elements.size() == elements.capacity()) elements.reserve(2 * elements.size() + 8);
+}
+
 }  // namespace
 
 bool SetDictionary::addEmptySet(SetCounter* descriptor) {
@@ -99,11 +105,9 @@ template <typename Report>
 int SetDictionary::addOwned(std::unique_ptr<ItemSet> set, SetCounter* descriptor, Report&& reportFailure) {
   if (set->length() > maxLevel_) return kMemoryFull;
   if (inStoreCount_ < maxInStoreSets_) {
-    if (leaveInMainStoreCount_ >= 1) {
-      smallQueue_.push(set.get());
-      queueTopCount_ = 1;
-    }
-    store(std::move(set), descriptor);
+    const bool queued = leaveInMainStoreCount_ >= 1;
+    store(set, descriptor, queued);
+    if (queued) queueTopCount_ = 1;
     ++inStoreCount_;
     return kStored;
   }
@@ -117,48 +121,73 @@ int SetDictionary::addOwned(std::unique_ptr<ItemSet> set, SetCounter* descriptor
   }
 }
 
-// Puts a set into the table of its level. A set that is stored already is refused without a word: its copy
-// has to live on as long as it may stand in the queue.
-void SetDictionary::store(std::unique_ptr<ItemSet> set, SetCounter* descriptor) {
+// Makes everything ready for storing a set that takes the place of one in the given table (null: of none), so
+// that nothing can fail once that one has gone.
+void SetDictionary::prepareToStore(const ItemSet& set, const HashTable* leaving) {
+  HashTable& to = table(set.length());
+  to.makeRoomFor(set, &to == leaving ? 1 : 0);
+  reserveOneMore(refusedCopies_);
+  if (holdsEvicted_) reserveOneMore(evicted_);
+}
+
+// Puts a set into the table of its level and, if so told, at the end of the queue. A set that is stored
+// already is refused without a word: its copy has to live on as long as it may stand in the queue. Changes
+// nothing when memory runs out.
+void SetDictionary::store(std::unique_ptr<ItemSet>& set, SetCounter* descriptor, bool queued) {
+  if (queued) reserveOneMore(refusedCopies_);
   graph_.reset();
   setOpen();
-  if (table(set->length()).put(set.get(), descriptor)) {
+  ItemSet* const stored = set.get();
+  if (table(set->length()).put(stored, descriptor)) {
     static_cast<void>(set.release());
-    return;
+  } else {
+    delete descriptor;
+    if (queued) refusedCopies_.push_back(std::move(set));
+    set.reset();
   }
-  delete descriptor;
-  if (set->getNext() != nullptr) refusedCopies_.push_back(std::move(set));
+  if (queued) smallQueue_.push(stored);
 }
 
 int SetDictionary::addByGivingUp(std::unique_ptr<ItemSet> set, SetCounter* descriptor) {
-  ItemSet* first = smallQueue_.pop();
+  const ItemSet* first = smallQueue_.head();
   if (first == nullptr) return kMemoryFull;
-  if (HashTable* table = tableOrNull(first->length())) {
-    if (HashTable::Entry* entry = table->remove(first)) {
-      discard(entry, *table);
-      ++setsGivenUp_;
-    }
+  HashTable* from = tableOrNull(first->length());
+  if (from != nullptr && !from->contains(first)) from = nullptr;
+  prepareToStore(*set, from);
+  smallQueue_.pop();
+  if (from != nullptr) {
+    discard(from->remove(first), *from);
+    ++setsGivenUp_;
   }
-  smallQueue_.push(set.get());
-  store(std::move(set), descriptor);
+  store(set, descriptor, true);
   queueTopCount_ = 1;
   return kStored;
 }
 
 int SetDictionary::addBySpilling(std::unique_ptr<ItemSet> set, SetCounter* descriptor) {
   if (spillStore_ == nullptr) createSpillStore();
-  while (ItemSet* first = smallQueue_.pop()) {
+  while (ItemSet* first = smallQueue_.head()) {
     HashTable& from = table(first->length());
     const HashTable::Entry* entry = from.find(first);
     // The copy of a duplicate stands for nothing in memory when the set itself has left; the next one may go.
-    if (entry == nullptr || entry->descriptor == nullptr) continue;
-    const int answer = spillStore_->add(first, entry->descriptor);
+    if (entry == nullptr || entry->descriptor == nullptr) {
+      smallQueue_.pop();
+      continue;
+    }
+    prepareToStore(*set, &from);
+    smallQueue_.pop();
+    int answer = 0;
+    try {
+      answer = spillStore_->add(first, entry->descriptor);
+    } catch (...) {
+      smallQueue_.putBack(first);
+      throw;
+    }
     if (answer < 0) return answer;
     if (answer > 0) break;
     discard(from.remove(first), from);
     ++setsSpilled_;
-    smallQueue_.push(set.get());
-    store(std::move(set), descriptor);
+    store(set, descriptor, true);
     queueTopCount_ = 1;
     return kStored;
   }
@@ -204,7 +233,8 @@ void SetDictionary::createSpillStore() {
 bool SetDictionary::takeBack(std::unique_ptr<ItemSet>& set, std::unique_ptr<SetCounter>& descriptor) {
   if (inStoreCount_ >= maxInStoreSets_) return false;
   markItems(set.get());
-  store(std::move(set), descriptor.release());
+  store(set, descriptor.get(), false);
+  static_cast<void>(descriptor.release());
   ++inStoreCount_;
   return true;
 }

@@ -23,6 +23,12 @@ ItemSet* SmallQueue::pop() {
   return first;
 }
 
+void SmallQueue::putBack(ItemSet* first) {
+  push(first);  // the end of the circle is its front
+  head_ = first;
+  --count_;
+}
+
 void SmallQueue::unlink(ItemSet* set) {
   if (set->getNext() == nullptr) return;
   detach(set);

@@ -23,6 +23,8 @@ class SmallQueue {
   void push(ItemSet* set);
   // Takes the first set out, or answers null. The count stays as it is.
   ItemSet* pop();
+  // Puts the set that was popped last back to the front.
+  void putBack(ItemSet* first);
   // Takes a set out, wherever it stands; nothing happens when it stands in no queue.
   void unlink(ItemSet* set);
 
