@@ -116,6 +116,39 @@ TEST_F(LatticeEdge, MissingSubsetIsReportedAndTheWalkGoesOn) {
   EXPECT_TRUE(dictionary_.isLatticeBuilt());
 }
 
+TEST_F(LatticeEdge, ASetThatIsNotStoredHasNoCounterToPrune) {
+  add({1}, 5);
+  dictionary_.buildLattice();
+  const StreamCapture out(std::cout);
+  const ItemSet stranger(9);
+  dictionary_.pruneAdjacent(&stranger);
+  EXPECT_EQ(out.text(), " 9 End of Set \nSet Has No Counter\n");
+}
+
+TEST_F(LatticeEdge, ResettingReportsASetWithoutDescriptorAndGoesOn) {
+  add({1}, 5);
+  dictionary_.buildLattice();
+  const Items items = {4, 7};
+  ASSERT_EQ(dictionary_.addSet(items.data(), 2, nullptr), 0);
+  const StreamCapture out(std::cout);
+  EXPECT_EQ(dictionary_.resetAllCounts(), 2);
+  EXPECT_EQ(out.text(), "Error in resetAllCounts: null descriptor for set:  4 7 End of Set \nin level 2\n");
+  EXPECT_EQ(at({1}).count, 0);
+}
+
+TEST_F(LatticeEdge, TheEmptySetKeepsTIDAndMaxMissedOnlyWhileTheItemBitsAreOff) {
+  for (const bool bitsetOff : {true, false}) {
+    SetDictionary dictionary(3, &settings_, true);
+    dictionary.setBitsetOff(bitsetOff);
+    dictionary.addEmptySet(new CarmaSetDescriptor(9, 4, 2));
+    dictionary.buildLattice();
+    const SetCounter& empty = *dictionary.getDescriptor(nullptr, 0);
+    EXPECT_EQ(empty.count, 9);
+    EXPECT_EQ(empty.getTID(), bitsetOff ? 4 : 0);
+    EXPECT_EQ(empty.getMaxMissed(), bitsetOff ? 2 : 0);
+  }
+}
+
 TEST_F(LatticeEdge, DictionaryWithoutEmptySetGetsOneInEveryTransaction) {
   SetDictionary bare(3, &settings_, true);
   const int item = 4;
