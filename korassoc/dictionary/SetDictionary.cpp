@@ -104,9 +104,9 @@ int SetDictionary::getHighestLevel() const {
 }
 
 int SetDictionary::getSizeAboveLevel(int level) const {
+  if (level >= maxLevel_) return 0;
   int size = 0;
-  const auto first = static_cast<std::size_t>(std::max(level, -1) + 1);
-  for (std::size_t above = first; level < maxLevel_ && above < levels_.size(); ++above) {
+  for (auto above = static_cast<std::size_t>(std::max(level, -1) + 1); above < levels_.size(); ++above) {
     if (levels_[above] != nullptr) size += levels_[above]->count();
   }
   return size;

@@ -172,6 +172,9 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   // (minCount raised to the next integer unless it is one up to rounding); rebuilds the links of a built
   // lattice. Returns how many were removed.
   int removeSmallSets(double minCount);
+  // Prunes one level alone; none below 1. Ends the spill store whatever the level: its sets come back, or are
+  // removed, at level 1, and are given up at any other. Both throw DictionaryFailure* when the sets on disk
+  // do not fit into memory or cannot be read; the store and what is still in it stay then.
   int removeSmall(int level, double minCount);
 
   // --- Item bits: which items occur in stored sets ---

@@ -40,7 +40,7 @@ int SetDictionary::removeSmall(int level, double minCount) {
           ++removed;
         });
   }
-  if (diskSpill_ && spillStore_ != nullptr) {
+  if (level > 0 && diskSpill_ && spillStore_ != nullptr) {
     try {
       removed += spillStore_->reduce(level, minCount);
     } catch (...) {

@@ -240,6 +240,16 @@ TEST_F(Eviction, PruningOneOtherLevelClosesTheStore) {
   EXPECT_FALSE(contains({1}));
 }
 
+TEST_F(Eviction, PruningNoLevelLeavesTheStoreAlone) {
+  make(3, 1, true);
+  for (const int item : {1, 2, 3}) add({item});
+  EXPECT_EQ(dictionary_->removeSmall(0, 9.0), 0);
+  EXPECT_EQ(dictionary_->removeSmall(-1, 9.0), 0);
+  ASSERT_NE(dictionary_->spillStore(), nullptr);
+  EXPECT_THAT(disk(), UnorderedElementsAre(Pair(Items{1}, 1)));
+  EXPECT_TRUE(contains({1}));
+}
+
 TEST_F(Eviction, PruningUnlinksQueuedSetsOnlyWhileTheItemBitsAreKept) {
   make(4, 5, false);
   for (const int item : {1, 2}) add({item});

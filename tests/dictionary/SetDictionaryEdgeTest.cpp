@@ -175,6 +175,22 @@ TEST_F(SetDictionaryEdge, LooksUpEveryKindOfItem) {
   }
 }
 
+TEST_F(SetDictionaryEdge, SizeAboveALevelTakesAnyNumber) {
+  add({1}, 1);
+  add({1, 2}, 1);
+  add({1, 3}, 1);
+  EXPECT_EQ(dictionary().getSizeAboveLevel(-2147483647 - 1), 4);
+  EXPECT_EQ(dictionary().getSizeAboveLevel(-1), 4);
+  EXPECT_EQ(dictionary().getSizeAboveLevel(0), 3);
+  EXPECT_EQ(dictionary().getSizeAboveLevel(1), 2);
+  EXPECT_EQ(dictionary().getSizeAboveLevel(2), 0);
+  EXPECT_EQ(dictionary().getSizeAboveLevel(maxLevel), 0);
+  maxLevel = 2147483647;
+  SetDictionary deep(maxLevel, &settings, true);
+  EXPECT_EQ(deep.getSizeAboveLevel(2147483646), 0);
+  EXPECT_EQ(deep.getSizeAboveLevel(2147483647), 0);
+}
+
 TEST_F(SetDictionaryEdge, EmptySetIsNeverPruned) {
   EXPECT_EQ(dictionary().removeSmall(0, 1000), 0);
   EXPECT_EQ(dictionary().removeSmall(-1, 1000), 0);
