@@ -17,6 +17,11 @@ namespace korassoc::detail {
 
 namespace {
 
+// The count of the set that a link leads to; one that is not stored has none.
+int linkedCount(const LatticeGraph& graph, int node) {
+  return node != LatticeGraph::kNone ? graph.count(node) : 0;
+}
+
 int storedNode(int node) {
   if (node == LatticeGraph::kNone) throw std::logic_error("a link of the lattice leads nowhere");
   return node;
@@ -65,7 +70,7 @@ std::vector<ConsequentDescriptor> bestOfSubsets(const LatticeGraph& graph, const
     for (const LatticeGraph::UpLink& link : graph.up(node)) {
       while (given != end && *given < link.item) ++given;
       if (given != end && *given == link.item) continue;
-      best.offer(link.item, graph.count(storedNode(link.node)));
+      best.offer(link.item, linkedCount(graph, link.node));
     }
     best.endSubset();
   }

@@ -19,8 +19,8 @@ KorAssoc::KorStatus filteredConsequents(SetDictionary& dictionary, RuleFilter fi
 
 // Appends, for every item outside the antecedent that follows from a stored subset of it, the figures of the
 // most confident such rule; for a null antecedent every stored item with its support. Sorts out, the more
-// confident first, and cuts it to maxItems (negative: no cut). Throws std::logic_error when a set that the
-// links lead to is not stored.
+// confident first, and cuts it to maxItems (negative: no cut). Throws std::logic_error when the
+// links lead to a subset of the antecedent that is not stored; any other set that is not counts 0.
 KorAssoc::KorStatus consequents(SetDictionary& dictionary, const ItemSet* antecedent, int maxItems,
                                 std::vector<ConsequentDescriptor>& out);
 

@@ -16,6 +16,11 @@ bool LatticeSearch::reports(int node, const SearchBounds& bounds) const {
   return graph_.length(node) >= bounds.minLength && graph_.count(node) <= bounds.maxCount;
 }
 
+// A set without descriptor has the count 0, so there is hardly ever anything to look up.
+bool LatticeSearch::hasDescriptor(int node) const {
+  return graph_.count(node) != 0 || graph_.descriptor(node) != nullptr;
+}
+
 // Extends the sets of one length by one item at a time, to the greatest length. Every set is met first from
 // all of its subsets of one item less, so each level is complete before it is extended.
 std::vector<int> LatticeSearch::climb(std::vector<int> level, std::vector<int> found, const ItemSet* allowed,
@@ -28,7 +33,9 @@ std::vector<int> LatticeSearch::climb(std::vector<int> level, std::vector<int> f
       for (const LatticeGraph::UpLink& link : graph_.up(node)) {
         if (link.node == LatticeGraph::kNone) continue;
         if (allowed != nullptr && !allowed->hasItem(link.item)) continue;
-        if (met->mark(link.node) && graph_.count(link.node) >= bounds.minCount) next.push_back(link.node);
+        if (met->mark(link.node) && graph_.count(link.node) >= bounds.minCount && hasDescriptor(link.node)) {
+          next.push_back(link.node);
+        }
       }
     }
     if (skipped != nullptr && !skipped->empty()) {
@@ -89,7 +96,7 @@ double LatticeSearch::support(const ItemSet& base, int k, int transactionCount) 
     ++taken;  // a set that was queued twice counts twice
     isTaken->mark(node);
     for (const LatticeGraph::UpLink& link : graph_.up(node)) {
-      if (link.node == LatticeGraph::kNone) {
+      if (link.node == LatticeGraph::kNone || !hasDescriptor(link.node)) {
         std::cout << "Bad Counter in findSupport for the set";
         ItemSet(graph_.set(node), link.item).display();
       } else if (!isTaken->isMarked(link.node)) {

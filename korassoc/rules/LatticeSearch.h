@@ -50,6 +50,7 @@ class LatticeSearch {
   std::vector<int> climb(std::vector<int> level, std::vector<int> found, const ItemSet* allowed,
                          const SearchBounds& bounds, const std::set<ItemSet>* skipped) const;
   bool reports(int node, const SearchBounds& bounds) const;
+  bool hasDescriptor(int node) const;
   void dropSubsets(std::vector<int>& nodes) const;
 
   const LatticeGraph& graph_;

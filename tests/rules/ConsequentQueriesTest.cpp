@@ -112,12 +112,22 @@ TEST(CreateConsequents, ADictionaryWithoutTransactionsCountsOne) {
   EXPECT_EQ(out[0].getSupport(), 3.0);
 }
 
-TEST(CreateConsequents, ABrokenLinkRaises) {
+TEST(CreateConsequents, ABrokenLinkWithinTheAntecedentRaises) {
   TestLattice lattice(smallCounts());
   static_cast<LatticeSetDescriptor*>(lattice.dictionary.getDescriptor(3))->adjacent.Add(7);
   Consequents out;
-  ItemSet set(3);
+  ItemSet set = itemSet({3, 7});
   EXPECT_THROW(lattice.dictionary.createConsequents(&set, 1, out), std::exception);
+  EXPECT_TRUE(out.empty());
+}
+
+TEST(CreateConsequents, ABrokenLinkOutOfTheAntecedentCountsZero) {
+  TestLattice lattice(smallCounts());
+  static_cast<LatticeSetDescriptor*>(lattice.dictionary.getDescriptor(3))->adjacent.Add(7);
+  const Consequents out = consequentsOf(lattice, {3});  // c>a 3/4, c>b 2/4
+  ASSERT_EQ(items(out), (std::vector<int>{1, 2, 7}));
+  EXPECT_EQ(out[2].getConfidence(), 0.0);
+  EXPECT_EQ(out[2].getSupport(), 0.0);
 }
 
 // For every item the best of all rules from a subset of the antecedent, by enumeration.

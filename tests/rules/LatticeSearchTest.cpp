@@ -191,6 +191,17 @@ TEST_F(LatticeSearch, ASetThatIsQueuedTwiceCountsTwiceTowardK) {
   EXPECT_EQ(support({1}, 6), -1.0);
 }
 
+TEST_F(LatticeSearch, ASetThatLostItsDescriptorIsNotFoundWhateverTheMinimumCount) {
+  lattice.dictionary.levelTable(2).forEach([](HashTable::Entry& entry) {
+    if (entry.key->hasItem(1) && entry.key->hasItem(3)) HashTable::replaceDescriptor(entry, nullptr);
+  });
+  EXPECT_EQ(supersets({1}, {}), Sets({{1}, {1, 2}, {1, 2, 3}}));
+  EXPECT_EQ(within({3}, {}), Sets({{3}, {2, 3}, {1, 2, 3}}));
+  const StreamCapture out(std::cout);
+  EXPECT_EQ(support({1}, 4), -1.0);  // a, ab and abc
+  EXPECT_EQ(out.text(), "Bad Counter in findSupport for the set 1 3 End of Set \n");
+}
+
 TEST_F(LatticeSearch, ALinkThatLeadsNowhereIsReported) {
   static_cast<LatticeSetDescriptor*>(lattice.dictionary.getDescriptor(3))->adjacent.Add(7);
   const StreamCapture out(std::cout);
