@@ -24,6 +24,7 @@ class BasketIterator : public MultiPassTransIter {
  private:
   class Basket final : public Transaction {
    public:
+    virtual ~Basket() = default;
     void show(std::span<const int> items, int id) {
       items_ = items;
       id_ = id;

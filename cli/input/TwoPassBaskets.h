@@ -39,6 +39,7 @@ class TwoPassBaskets : public MultiPassTransIter {
  private:
   class Shortened final : public Transaction {
    public:
+    virtual ~Shortened() = default;
     int GetItem(int position) const override { return items[static_cast<std::size_t>(position)]; }
     int GetTransactionID() const override { return id; }
     int GetLength() const override { return static_cast<int>(items.size()); }

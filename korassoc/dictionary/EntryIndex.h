@@ -11,24 +11,27 @@
 
 namespace korassoc::detail {
 
-// EntryIndex maps codes of sets to entries of a table, open addressing with linear probing:
+// EntryIndex maps codes of sets to the numbers of their entries, open addressing with linear probing:
 //
-//   slots_   [ code, entry | -- | code, entry | ... ]     at most three quarters full; a power of two
-//   home of a code = its mixed bits, modulo the number of slots
+//   slots_   [ hash, number | -- | hash, number | ... ]     at most three quarters full; a power of two
+//   home of a hash = its lower bits
 //
-// A slot tells by its code alone that it holds another set, so that looking for an absent set, which the
-// first pass does most of the time, reads one line of memory. The code is a sum that whoever writes a state
-// could aim at one slot, hence the mixing. Ownership: none; the entries are the table's. Memory: 21 to 43
-// bytes an entry.
+// The hash, the mixed bits of the code, tells in all but one of a great many cases that a slot is another
+// set's, so that looking for an absent set, which the first pass does most of the time, reads one line of
+// memory. The code is a sum that whoever writes a state could aim at one slot, hence the mixing. Memory: 11
+// to 21 bytes an entry.
 template <typename Entry>
 class EntryIndex {
  public:
-  // The entry with this code for which matches(entry) answers true, or null.
-  template <typename Matches>
-  Entry* find(std::uint64_t code, Matches&& matches) const {
+  // The entry with this code, entryAt(number), for which matches(entry) answers true; or null.
+  template <typename EntryAt, typename Matches>
+  Entry* find(std::uint64_t code, EntryAt&& entryAt, Matches&& matches) const {
     if (slots_.empty()) return nullptr;
-    for (std::size_t place = home(code); slots_[place].entry != nullptr; place = next(place)) {
-      if (slots_[place].code == code && matches(*slots_[place].entry)) return slots_[place].entry;
+    const std::uint32_t hash = mix(code);
+    for (std::size_t place = hash & mask(); slots_[place].number != kEmpty; place = next(place)) {
+      if (slots_[place].hash != hash) continue;
+      Entry* entry = entryAt(slots_[place].number);
+      if (matches(*entry)) return entry;
     }
     return nullptr;
   }
@@ -45,26 +48,22 @@ class EntryIndex {
   }
   // Starts to fetch what find() and add() look at first.
   void prefetchHome(std::uint64_t code) const {
-    if (!slots_.empty()) prefetch(&slots_[home(code)]);
+    if (!slots_.empty()) prefetch(&slots_[mix(code) & mask()]);
   }
-  void add(std::uint64_t code, Entry* entry) {
-    std::size_t place = home(code);
-    while (slots_[place].entry != nullptr) place = next(place);
-    slots_[place] = {code, entry};
-    ++count_;
-  }
+  // number: below kEmpty.
+  void add(std::uint64_t code, std::uint32_t number) { put({mix(code), number}); }
 
   // Takes out an entry that is there. What stands behind it moves up, so that no search ends too early.
-  void remove(std::uint64_t code, const Entry* entry) {
-    std::size_t hole = home(code);
-    while (slots_[hole].entry != entry) hole = next(hole);
-    for (std::size_t place = next(hole); slots_[place].entry != nullptr; place = next(place)) {
-      const std::size_t distance = (place - home(slots_[place].code)) & mask();
+  void remove(std::uint64_t code, std::uint32_t number) {
+    std::size_t hole = mix(code) & mask();
+    while (slots_[hole].number != number) hole = next(hole);
+    for (std::size_t place = next(hole); slots_[place].number != kEmpty; place = next(place)) {
+      const std::size_t distance = (place - slots_[place].hash) & mask();
       if (distance < ((place - hole) & mask())) continue;  // its home lies behind the hole
       slots_[hole] = slots_[place];
       hole = place;
     }
-    slots_[hole].entry = nullptr;
+    slots_[hole].number = kEmpty;
     --count_;
   }
 
@@ -78,26 +77,34 @@ class EntryIndex {
     count_ = 0;
   }
 
+  static constexpr std::uint32_t kEmpty = 0xFFFFFFFFU;
+
  private:
   struct Slot {
-    std::uint64_t code = 0;
-    Entry* entry = nullptr;  // null: empty
+    std::uint32_t hash = 0;
+    std::uint32_t number = kEmpty;
   };
   static constexpr std::size_t kFirstSlots = 16;
 
-  std::size_t mask() const { return slots_.size() - 1; }
-  std::size_t next(std::size_t place) const { return (place + 1) & mask(); }
-  std::size_t home(std::uint64_t code) const {
+  static std::uint32_t mix(std::uint64_t code) {
     code ^= code >> 32U;
     code *= 0xD6E8FEB86659FD93U;
-    return static_cast<std::size_t>(code ^ (code >> 32U)) & mask();
+    return static_cast<std::uint32_t>(code ^ (code >> 32U));
+  }
+  std::size_t mask() const { return slots_.size() - 1; }
+  std::size_t next(std::size_t place) const { return (place + 1) & mask(); }
+  void put(const Slot& slot) {
+    std::size_t place = slot.hash & mask();
+    while (slots_[place].number != kEmpty) place = next(place);
+    slots_[place] = slot;
+    ++count_;
   }
   void resize(std::size_t slots) {
     std::vector<Slot> former(slots);
     former.swap(slots_);
     count_ = 0;
     for (const Slot& slot : former) {
-      if (slot.entry != nullptr) add(slot.code, slot.entry);
+      if (slot.number != kEmpty) put(slot);
     }
   }
 

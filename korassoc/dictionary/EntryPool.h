@@ -3,8 +3,11 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "korassoc/dictionary/CarmaSetDescriptor.h"
@@ -14,11 +17,12 @@ namespace korassoc::detail {
 
 // EntryPool hands out entries of a table that carry their set and counter with them, in one block each:
 //
-//   block   entry (key, descriptor, next, mark) | CarmaSetDescriptor | ItemSet with up to four items
+//   block   entry (key, descriptor, next, number) | CarmaSetDescriptor | ItemSet with up to four items
 //
 // Sets come and go by the million while transactions are read; blocks that are given back are used again, and
-// the blocks themselves lie together in chunks. Ownership: owns the blocks until it is destroyed, whatever
-// became of their entries.
+// the blocks themselves lie together in chunks of 16, 32, ... 4096, 4096, ... blocks. Their numbers, which
+// take half the room of a pointer, go on from chunk to chunk. Ownership: owns the blocks until it is
+// destroyed, whatever became of their entries. Memory: 96 bytes a block with 64-bit pointers.
 template <typename Entry>
 class EntryPool {
  public:
@@ -53,13 +57,23 @@ class EntryPool {
     if (4 * given < blocks_) return;
     free_ = nullptr;
     for (auto chunk = chunks_.rbegin(); chunk != chunks_.rend(); ++chunk) {
-      for (std::size_t i = chunk->size; i > 0; --i) {
+      for (std::uint32_t i = chunk->size; i > 0; --i) {
         Block& block = chunk->blocks[i - 1];
         if (block.key != nullptr) continue;
         block.next = free_;
         free_ = &block;
       }
     }
+  }
+
+  // The entry of the block of this number.
+  Entry* at(std::uint32_t number) const {
+    const std::uint32_t place = number + kFirstChunk;
+    if (place >= kLargestChunk) {
+      return &chunks_[kGrowingChunks + place / kLargestChunk - 1].blocks[place % kLargestChunk];
+    }
+    const std::uint32_t size = std::bit_floor(place);
+    return &chunks_[static_cast<std::size_t>(std::bit_width(size / kFirstChunk)) - 1].blocks[place - size];
   }
 
   // Whether key or descriptor are the entry's block's own. For entries of a pool only.
@@ -70,7 +84,7 @@ class EntryPool {
 
  private:
   struct Block : Entry {
-    Block() : Entry{nullptr, nullptr, nullptr, true} {}  // a free block has no key
+    Block() : Entry{nullptr, nullptr, nullptr, 0, true} {}  // a free block has no key
     CarmaSetDescriptor counter;  // within the first cache line, where the block begins with one
     ItemSet set;
   };
@@ -86,24 +100,28 @@ class EntryPool {
   }
 
   void addChunk() {
-    constexpr std::size_t kFirstChunk = 16;
-    constexpr std::size_t kLargestChunk = 4096;
-    const std::size_t size = chunks_.empty() ? kFirstChunk : std::min(2 * chunks_.back().size, kLargestChunk);
+    const std::uint32_t size =
+        chunks_.empty() ? kFirstChunk : std::min(2 * chunks_.back().size, kLargestChunk);
     chunks_.push_back({std::make_unique<Block[]>(size), size});
-    blocks_ += size;
-    for (std::size_t i = size; i > 0; --i) {
+    for (std::uint32_t i = size; i > 0; --i) {
       Block& block = chunks_.back().blocks[i - 1];
+      block.number = blocks_ + i - 1;
       block.next = free_;
       free_ = &block;
     }
+    blocks_ += size;
   }
+
+  static constexpr std::uint32_t kFirstChunk = 16;
+  static constexpr std::uint32_t kLargestChunk = 4096;
+  static constexpr std::uint32_t kGrowingChunks = 8;  // 16, 32, ... 2048
 
   struct Chunk {
     std::unique_ptr<Block[]> blocks;
-    std::size_t size;
+    std::uint32_t size;
   };
   std::vector<Chunk> chunks_;
-  std::size_t blocks_ = 0;  // in all chunks
+  std::uint32_t blocks_ = 0;  // in all chunks
   Entry* free_ = nullptr;
 };
 

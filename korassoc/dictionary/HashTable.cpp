@@ -8,6 +8,8 @@ namespace {
 
 using Buckets = korassoc::detail::BucketArray<HashTable::Entry>;
 
+constexpr std::uint32_t kElsewhere = 0x80000000U;  // marks the numbers of entries that are not the pool's
+
 bool sameItems(const ItemSet& stored, const ItemSetView& set) {
   return stored.length() == set.length && std::equal(set.items, set.items + set.length, stored.getTheArray());
 }
@@ -31,8 +33,9 @@ HashTable::HashTable(const HashTable& other)
       const std::size_t index = indexOf(entry.key->hashcode());
       Entry*& end = buckets_.head(index) == nullptr ? buckets_.link(index) : last->next;
       index_.makeRoom();
+      others_.makeRoom();
       end = last = new Entry{entry.key, entry.descriptor, nullptr};
-      index_.add(codeOf(*entry.key), last);
+      enroll(last, codeOf(*entry.key));
       ++count_;
     });
   } catch (...) {
@@ -52,6 +55,7 @@ void HashTable::deleteContents() {
     while (head != nullptr) release(std::exchange(head, head->next));
   });
   index_.clear();
+  others_.clear();
   count_ = 0;
 }
 
@@ -91,6 +95,7 @@ void HashTable::putReplace(ItemSet* set, SetCounter* descriptor) {
 
 void HashTable::putNew(ItemSet* set, SetCounter* descriptor) {
   Entry*& head = makeRoom(set->hashcode(), count_);
+  others_.makeRoom();
   Entry* node = newNode();
   *node = Entry{set, descriptor, nullptr};
   hang(node, head, codeOf(*set));
@@ -116,6 +121,7 @@ HashTable::Entry* HashTable::emplace(const ItemSetView& set, std::unique_ptr<Set
 void HashTable::makeRoomFor(const ItemSet& set, int leaving) {
   makeRoom(set.hashcode(), count_ - leaving);
   buckets_.prepareFor(static_cast<std::size_t>(count_ - leaving) + 1);  // the new head may tip the scales
+  others_.makeRoom();
   if (freeNodes_ == nullptr) recycle(new Entry{nullptr, nullptr, nullptr});
 }
 
@@ -129,11 +135,26 @@ HashTable::Entry*& HashTable::makeRoom(int hash, int others) {
   return buckets_.link(indexOf(hash));
 }
 
+HashTable::Entry* HashTable::entryAt(std::uint32_t number) const {
+  return (number & kElsewhere) == 0 ? pool_.at(number) : others_.at(number & ~kElsewhere);
+}
+
+// Makes an entry known to the index, and forgotten by it.
+void HashTable::enroll(Entry* entry, std::uint64_t code) {
+  if (!entry->pooled) entry->number = others_.add(entry) | kElsewhere;
+  index_.add(code, entry->number);
+}
+
+void HashTable::strike(const Entry& entry) {
+  index_.remove(codeOf(*entry.key), entry.number);
+  if (!entry.pooled) others_.remove(entry.number & ~kElsewhere);
+}
+
 // Puts an entry at the head of its chain.
 void HashTable::hang(Entry* entry, Entry*& head, std::uint64_t code) {
   entry->next = head;
   head = entry;
-  index_.add(code, entry);
+  enroll(entry, code);
   ++count_;
 }
 
@@ -156,13 +177,17 @@ void HashTable::rehash() {
 }
 
 HashTable::Entry* HashTable::find(const ItemSetView& set) const {
-  return index_.find(set.code, [&set](const Entry& entry) { return sameItems(*entry.key, set); });
+  return index_.find(
+      set.code, [this](std::uint32_t number) { return entryAt(number); },
+      [&set](const Entry& entry) { return sameItems(*entry.key, set); });
 }
 
 // Sets are equal when their hash codes are, too: a set that lost items since its code was computed finds
 // nothing.
 HashTable::Entry* HashTable::find(const ItemSet* set) const {
-  return index_.find(codeOf(*set), [set](const Entry& entry) { return *entry.key == *set; });
+  return index_.find(
+      codeOf(*set), [this](std::uint32_t number) { return entryAt(number); },
+      [set](const Entry& entry) { return *entry.key == *set; });
 }
 
 // The link of its chain that leads to a stored entry.
@@ -188,7 +213,7 @@ HashTable::Entry* HashTable::unlink(Entry** link) {
   Entry* entry = *link;
   *link = entry->next;
   entry->next = nullptr;
-  index_.remove(codeOf(*entry->key), entry);
+  strike(*entry);
   --count_;
   return entry;
 }
@@ -196,13 +221,12 @@ HashTable::Entry* HashTable::unlink(Entry** link) {
 void HashTable::forget(const Entry* removed, int count) {
   count_ -= count;
   if (count <= count_) {
-    for (const Entry* entry = removed; entry != nullptr; entry = entry->next) {
-      index_.remove(codeOf(*entry->key), entry);
-    }
+    for (const Entry* entry = removed; entry != nullptr; entry = entry->next) strike(*entry);
     return;
   }
   index_.empty();  // the shorter way when fewer remain
-  forEach([this](Entry& entry) { index_.add(codeOf(*entry.key), &entry); });
+  others_.clear();
+  forEach([this](Entry& entry) { enroll(&entry, codeOf(*entry.key)); });
 }
 
 void HashTable::release(Entry* entry) {
@@ -237,6 +261,7 @@ void HashTable::clear() {
     while (head != nullptr) recycle(std::exchange(head, head->next));
   });
   index_.clear();
+  others_.clear();
   count_ = 0;
 }
 

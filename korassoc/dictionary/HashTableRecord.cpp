@@ -302,6 +302,7 @@ void HashTable::takeOver(Entry* first, int entries) {
     if (find(entry->key) == nullptr) {
       const std::uint64_t code = korassoc::detail::setCode(entry->key->getTheArray(), entry->key->length());
       Entry*& head = makeRoom(entry->key->hashcode(), count_);
+      others_.makeRoom();
       hang(list.popFront(), head, code);
     } else {
       list.deleteFront();

@@ -79,30 +79,16 @@ bool overlap(const int* a, int na, const int* b, int nb) {
 
 }  // namespace
 
-ItemSet::ItemSet() : length_(0), hashCode_(0), next_(nullptr), prev_(nullptr) {}
+ItemSet::ItemSet() = default;
 
 ItemSet::ItemSet(int item) : ItemSet(&item, 1) {}
 
-ItemSet::ItemSet(const ItemSet& s)
-    : items_(copyOf(s.items_.get(), s.length_)),
-      length_(s.length_),
-      hashCode_(s.hashCode_),
-      next_(nullptr),
-      prev_(nullptr) {}
+ItemSet::ItemSet(const ItemSet& s) : items_(copyOf(s.items_.get(), s.length())), hashCode_(s.hashCode_) {}
 
 ItemSet::ItemSet(ItemSet&& s) noexcept
-    : items_(std::move(s.items_)),
-      length_(std::exchange(s.length_, 0)),
-      hashCode_(std::exchange(s.hashCode_, 0)),
-      next_(nullptr),
-      prev_(nullptr) {}
+    : items_(std::move(s.items_)), hashCode_(std::exchange(s.hashCode_, 0)) {}
 
-ItemSet::ItemSet(const ItemSet& s, int item)
-    : items_(insertion(s.items_.get(), s.length_, item)),
-      length_(s.length_ + 1),
-      hashCode_(0),
-      next_(nullptr),
-      prev_(nullptr) {
+ItemSet::ItemSet(const ItemSet& s, int item) : items_(insertion(s.items_.get(), s.length(), item)) {
   itemSetHash();
 }
 
@@ -112,28 +98,24 @@ ItemSet::ItemSet(const OrderedArray& values, const OrderedArray& index)
     : ItemSet(values.data, values.count, index.data, index.count) {}
 
 ItemSet::ItemSet(const int* values, int /*nValues*/, const int* index, int n)
-    : items_(selectionOf(values, index, n)), length_(n), hashCode_(0), next_(nullptr), prev_(nullptr) {
+    : items_(selectionOf(values, index, n)) {
   itemSetHash();
 }
 
-ItemSet::ItemSet(const int* items, int n)
-    : items_(copyOf(items, n)), length_(n), hashCode_(0), next_(nullptr), prev_(nullptr) {
-  itemSetHash();
-}
+ItemSet::ItemSet(const int* items, int n) : items_(copyOf(items, n)) { itemSetHash(); }
 
-ItemSet::ItemSet(const ItemSet& a, const ItemSet& b)
-    : items_(a.length_), length_(0), hashCode_(0), next_(nullptr), prev_(nullptr) {
+ItemSet::ItemSet(const ItemSet& a, const ItemSet& b) : items_(a.length()) {
   const int* const bItems = b.items_.get();
-  const int* const bEnd = bItems + b.length_;
-  for (int i = 0; i < a.length_; ++i) {
+  const int* const bEnd = bItems + b.length();
+  int n = 0;
+  for (int i = 0; i < a.length(); ++i) {
     const int item = a.getItemAt(i);
-    if (std::find(bItems, bEnd, item) == bEnd) {
-      items_[static_cast<std::size_t>(length_)] = item;
-      ++length_;
-    }
+    if (std::find(bItems, bEnd, item) == bEnd) items_[static_cast<std::size_t>(n++)] = item;
   }
-  if (length_ < a.length_ - 1) {  // one spare slot is not worth a second allocation
-    items_ = copyOf(items_.get(), length_);
+  if (n < a.length() - 1) {  // one spare slot is not worth a second allocation
+    items_ = copyOf(items_.get(), n);
+  } else {
+    items_.shorten(n);
   }
   itemSetHash();
 }
@@ -144,11 +126,10 @@ void ItemSet::operator=(const ItemSet& s) {
   if (this == &s) {
     return;
   }
-  if (length_ != s.length_) {
-    items_ = copyOf(s.items_.get(), s.length_);
-    length_ = s.length_;
+  if (length() != s.length()) {
+    items_ = copyOf(s.items_.get(), s.length());
   } else {
-    std::copy_n(s.items_.get(), length_, items_.get());
+    std::copy_n(s.items_.get(), length(), items_.get());
   }
   hashCode_ = s.hashCode_;
 }
@@ -158,13 +139,11 @@ void ItemSet::operator=(ItemSet&& s) noexcept {
     return;
   }
   items_ = std::move(s.items_);
-  length_ = std::exchange(s.length_, 0);
   hashCode_ = std::exchange(s.hashCode_, 0);
 }
 
 void ItemSet::addItem(int item) {
-  items_ = insertion(items_.get(), length_, item);
-  ++length_;
+  items_ = insertion(items_.get(), length(), item);
   itemSetHash();
 }
 
@@ -174,45 +153,44 @@ bool ItemSet::RemoveItem(int item) {
     return false;
   }
   int* const place = items_.get() + position;
-  std::copy(place + 1, items_.get() + length_, place);
-  --length_;
+  std::copy(place + 1, items_.get() + length(), place);
+  items_.shorten(length() - 1);
   return true;
 }
 
 void ItemSet::clear() {
-  length_ = 0;
+  items_.shorten(0);
   hashCode_ = 0;
 }
 
-int ItemSet::getItemIndex(int item) const { return positionOf(item, items_.get(), length_); }
+int ItemSet::getItemIndex(int item) const { return positionOf(item, items_.get(), length()); }
 
 bool ItemSet::hasItem(int item) const { return getItemIndex(item) >= 0; }
 
 ItemSet* ItemSet::omit(int position) const {
-  assert(position >= 0 && position < length_);
+  assert(position >= 0 && position < length());
   auto result = std::make_unique<ItemSet>();
-  result->items_ = ItemStorage(length_ - 1);
-  result->length_ = length_ - 1;
+  result->items_ = ItemStorage(length() - 1);
   const int* const from = items_.get();
   int* const out = std::copy_n(from, position, result->items_.get());
-  std::copy(from + position + 1, from + length_, out);
+  std::copy(from + position + 1, from + length(), out);
   result->itemSetHash();
   return result.release();
 }
 
 ItemSet* ItemSet::setUnion(const ItemSet* other) const {
-  if (length_ == 0) {
+  if (length() == 0) {
     return new ItemSet(*other);
   }
-  if (other->length_ == 0) {
+  if (other->length() == 0) {
     return new ItemSet(*this);
   }
-  const std::unique_ptr<int[]> merged = newInts(lengthSum(length_, other->length_));
+  const std::unique_ptr<int[]> merged = newInts(lengthSum(length(), other->length()));
   int* out = merged.get();
   const int* a = items_.get();
   const int* b = other->items_.get();
-  const int* const aEnd = a + length_;
-  const int* const bEnd = b + other->length_;
+  const int* const aEnd = a + length();
+  const int* const bEnd = b + other->length();
   while (a != aEnd && b != bEnd) {
     if (*a < *b) {
       *out++ = *a++;
@@ -232,14 +210,14 @@ ItemSet* ItemSet::intersect(const ItemSet* other) const {
   if (other == nullptr) {
     return new ItemSet(*this);
   }
-  if (length_ == 0 || other->length_ == 0) {
+  if (length() == 0 || other->length() == 0) {
     return new ItemSet();
   }
-  const std::unique_ptr<int[]> common = newInts(std::min(length_, other->length_));
+  const std::unique_ptr<int[]> common = newInts(std::min(length(), other->length()));
   int n = 0;
   int i = 0;
   int j = 0;
-  while (i < length_ && j < other->length_) {
+  while (i < length() && j < other->length()) {
     const int a = getItemAt(i);
     const int b = other->getItemAt(j);
     if (a == b) {
@@ -253,28 +231,28 @@ ItemSet* ItemSet::intersect(const ItemSet* other) const {
 }
 
 bool ItemSet::hasOverlap(const ItemSet* other) const {
-  return other == nullptr || overlap(items_.get(), length_, other->items_.get(), other->length_);
+  return other == nullptr || overlap(items_.get(), length(), other->items_.get(), other->length());
 }
 
 bool ItemSet::hasOverlap(const OrderedArray& a) const {
-  return overlap(items_.get(), length_, a.data, a.count);
+  return overlap(items_.get(), length(), a.data, a.count);
 }
 
 bool ItemSet::isSubsetOf(const ItemSet* other) const {
   if (other == nullptr) {
     return true;
   }
-  if (length_ > other->length_) {
+  if (length() > other->length()) {
     return false;
   }
-  if (length_ == 0) {
+  if (length() == 0) {
     return true;
   }
-  if (length_ == other->length_) {
+  if (length() == other->length()) {
     return *this == *other;
   }
   int matched = 0;
-  for (int i = 0; i < other->length_ && matched < length_; ++i) {
+  for (int i = 0; i < other->length() && matched < length(); ++i) {
     const int sought = getItemAt(matched);
     const int item = other->getItemAt(i);
     if (sought < item) {
@@ -284,12 +262,12 @@ bool ItemSet::isSubsetOf(const ItemSet* other) const {
       ++matched;
     }
   }
-  return matched == length_;
+  return matched == length();
 }
 
 bool ItemSet::operator==(const ItemSet& s) const {
-  return hashCode_ == s.hashCode_ && length_ == s.length_ &&
-         std::equal(items_.get(), items_.get() + length_, s.items_.get());
+  return hashCode_ == s.hashCode_ && length() == s.length() &&
+         std::equal(items_.get(), items_.get() + length(), s.items_.get());
 }
 
 void ItemSet::updateItemSet(int item) { updateItemSet(item, 0); }
@@ -302,8 +280,8 @@ void ItemSet::updateItemSet(int item, int position) {
 void ItemSet::updateItemSet(const OrderedArray& a) { updateItemSet(a.data, a.count); }
 
 void ItemSet::updateItemSet(const int* values, int /*n*/) {
-  if (length_ > 0) {  // values may be this set's own array: then memmove is in place, std::copy is not
-    std::memmove(items_.get(), values, static_cast<std::size_t>(length_) * sizeof(int));
+  if (length() > 0) {  // values may be this set's own array: then memmove is in place, std::copy is not
+    std::memmove(items_.get(), values, static_cast<std::size_t>(length()) * sizeof(int));
   }
   itemSetHash();
 }
@@ -313,7 +291,7 @@ void ItemSet::updateItemSet(const OrderedArray& values, const OrderedArray& inde
 }
 
 void ItemSet::updateItemSet(const int* values, int /*nValues*/, const int* index, int /*nIndex*/) {
-  for (int i = 0; i < length_; ++i) {
+  for (int i = 0; i < length(); ++i) {
     items_[static_cast<std::size_t>(i)] = values[index[i]];
   }
   itemSetHash();
@@ -323,7 +301,7 @@ void ItemSet::display() const { Display(std::cout); }
 
 void ItemSet::Display(std::ostream& out) const {
   std::string text;
-  for (int i = 0; i < length_; ++i) {
+  for (int i = 0; i < length(); ++i) {
     text += ' ';
     text += std::to_string(getItemAt(i));  // decimal, whatever the stream's flags and locale
   }
@@ -349,7 +327,7 @@ void ItemSet::displayAll() const {
   }
 }
 
-void ItemSet::itemSetHash() { hashCode_ = korassoc::detail::hashItems(items_.get(), length_); }
+void ItemSet::itemSetHash() { hashCode_ = korassoc::detail::hashItems(items_.get(), length()); }
 
 bool operator<(const ItemSet& a, const ItemSet& b) {
   if (a.length() != b.length()) {

@@ -40,7 +40,7 @@ class KORASSOC_EXPORT ItemSet {
   void operator=(const ItemSet& s);
   void operator=(ItemSet&& s) noexcept;  // s becomes empty and keeps its links
 
-  int length() const { return length_; }
+  int length() const { return items_.length(); }
   int* getTheArray() { return items_.get(); }  // length() items; null when the set never held any
   const int* getTheArray() const { return items_.get(); }
   int getItemAt(int i) const { return items_[static_cast<std::size_t>(i)]; }
@@ -115,11 +115,10 @@ class KORASSOC_EXPORT ItemSet {
  private:
   void itemSetHash();  // brings the hash code up to date
 
-  korassoc::detail::ItemStorage items_;  // at least length_ long; null until there is a first item
-  int length_;
-  int hashCode_;
-  ItemSet* next_;  // not owned
-  ItemSet* prev_;  // not owned
+  korassoc::detail::ItemStorage items_;
+  int hashCode_ = 0;
+  ItemSet* next_ = nullptr;  // not owned
+  ItemSet* prev_ = nullptr;  // not owned
 };
 
 // The order of sorted containers: fewer items first, then item by item, the smaller first. The hash code has

@@ -28,9 +28,9 @@ bool readItems(BinaryReader& record, std::int32_t& length, std::vector<int>& ite
 std::uint64_t ItemSet::writeObject(std::fstream& stream) const {
   BinaryWriter record(stream);
   record.tag(korassoc::detail::kItemSetTag);
-  record.int32(length_);
+  record.int32(length());
   std::uint64_t bytes = record.finish();
-  for (int i = 0; i < length_ && stream.good(); ++i) {  // what a failed stream was not given does not count
+  for (int i = 0; i < length() && stream.good(); ++i) {  // what a failed stream was not given does not count
     record.int32(getItemAt(i));
     bytes = record.finish();
   }

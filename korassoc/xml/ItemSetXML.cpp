@@ -30,10 +30,10 @@ bool readItems(std::ifstream& in, int& length, std::vector<int>& items) {
 std::uint64_t ItemSet::writeObjectXML(std::ostream& out, int tabs) const {
   const KorAssocXML::XMLObj object("ItemSet", tabs);
   object.StartObj(out);
-  object.WriteSubElement(out, length_);
-  for (int i = 0; i < length_ && out.good(); ++i) object.WriteSubElement(out, getItemAt(i));
+  object.WriteSubElement(out, length());
+  for (int i = 0; i < length() && out.good(); ++i) object.WriteSubElement(out, getItemAt(i));
   object.EndObj(out);
-  return static_cast<std::uint64_t>(length_) + 1 + korassoc::detail::kFrameLines;
+  return static_cast<std::uint64_t>(length()) + 1 + korassoc::detail::kFrameLines;
 }
 
 std::uint64_t ItemSet::readObjectXML(std::ifstream& in) {
