@@ -9,20 +9,23 @@
 //
 //   limit | sets | bytes a set | predicted MB | peak MB | peak / predicted | longest work list | end
 //
-// The prediction: what the process took before the engine was made, plus the bucket arrays, plus for each set
-// up to the limit its entry, its key, its items and its descriptor as a common allocator rounds them. Not in
-// it: the work list of a transaction (24 bytes for each of its stored sets, and 112 for those among them that
-// made room before the transaction was done).
+// The prediction: what the process took before the engine was made, plus the bucket arrays and the indexes,
+// plus for each set up to the limit its block (entry, key, descriptor) and, from five items on, its items as
+// a common allocator rounds them. Not in it: the work list of a transaction (32 bytes for each of its stored
+// sets, and 112 for those among them that made room before the transaction was done).
 
 #include <algorithm>
+#include <bit>
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <iostream>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "bench/BenchData.h"
@@ -44,7 +47,11 @@ class FileTransactions final : public MultiPassTransIter {
  public:
   explicit FileTransactions(const char* name) : file_(name) {}
   bool isOpen() const { return file_.is_open(); }
-  bool HasNext() override { return file_.peek() != std::ifstream::traits_type::eof(); }
+  void beforeEach(std::function<void()> look) { look_ = std::move(look); }
+  bool HasNext() override {
+    if (look_) look_();
+    return file_.peek() != std::ifstream::traits_type::eof();
+  }
   Transaction* Next() override {
     std::string text;
     if (!std::getline(file_, text)) return nullptr;
@@ -62,10 +69,11 @@ class FileTransactions final : public MultiPassTransIter {
 
  private:
   std::ifstream file_;
+  std::function<void()> look_;
   Line line_;
 };
 
-// What was seen at the reports, which are sent after each pruning and at the end.
+// What was seen before each transaction, and of the work list at the reports.
 struct Peak {
   std::vector<int> sets;     // by length, when there were most in all
   std::vector<int> longest;  // by length, the most there were at any time
@@ -79,7 +87,6 @@ class PeakListener final : public ProgressListener {
   void watch(const CarmaAssociationAlgorithm* engine) { engine_ = engine; }
   void OnProgress(ProgressReport* report) override {
     if (report != nullptr) peak_->workList = std::max(peak_->workList, report->GetIntValue("maxExt"));
-    if (engine_ != nullptr) look();
   }
   void look() {
     std::vector<int> sets;
@@ -115,9 +122,15 @@ std::uint64_t allocated(std::uint64_t bytes) {
 }
 
 std::uint64_t bytesOfSet(int length) {
-  return allocated(sizeof(HashTable::Entry)) + allocated(sizeof(ItemSet)) +
-         allocated(sizeof(int) * static_cast<std::uint64_t>(std::max(length, 1))) +
-         allocated(sizeof(CarmaSetDescriptor));
+  constexpr int kInTheBlock = 4;
+  const std::uint64_t block = sizeof(HashTable::Entry) + sizeof(ItemSet) + sizeof(CarmaSetDescriptor);
+  return length <= kInTheBlock ? block : block + allocated(sizeof(int) * static_cast<std::uint64_t>(length));
+}
+
+// The index of a table that has held so many sets: at most three quarters full.
+std::uint64_t bytesOfIndex(int sets) {
+  const auto least = static_cast<std::uint64_t>(sets) * 4 / 3 + 1;
+  return 8 * std::bit_ceil(least);
 }
 
 // The bucket array of a table that starts with so many buckets and has held so many sets.
@@ -158,28 +171,28 @@ int main(int argc, char** argv) {
   const auto start = std::chrono::steady_clock::now();
   CarmaAssociationAlgorithm engine(&settings, &transactions);
   listener->watch(&engine);
+  transactions.beforeEach([listener] { listener->look(); });
   const KorAssoc::KorStatus status = engine.RunPhaseI(2147483647);
   const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   const long most = memoryKB("VmHWM");
 
-  // The memory was full up to the limit between two reports; its spread over the lengths is that of the
-  // fullest report.
   listener->look();
-  const DictionarySettings& tables = settings.GetDictionarySettings();
+  const DictionarySettings& sizes = settings.GetDictionarySettings();
   std::uint64_t bytes = 0;
-  std::uint64_t buckets = 0;
+  std::uint64_t tables = 0;
   for (std::size_t length = 0; length < peak.sets.size(); ++length) {
     bytes += static_cast<std::uint64_t>(peak.sets[length]) * bytesOfSet(static_cast<int>(length));
   }
   for (std::size_t length = 1; length < peak.longest.size(); ++length) {
-    const int initial = length == 2 || length == 3 ? tables.GetInitialHashtableSet23Size()
-                                                   : tables.GetInitialBoundarySearchSize();
-    buckets += bytesOfBuckets(static_cast<std::uint64_t>(initial), peak.longest[length]);
+    const int initial = length == 2 || length == 3 ? sizes.GetInitialHashtableSet23Size()
+                                                   : sizes.GetInitialBoundarySearchSize();
+    tables += bytesOfBuckets(static_cast<std::uint64_t>(initial), peak.longest[length]) +
+              bytesOfIndex(peak.longest[length]);
   }
   const double each = peak.total > 0 ? static_cast<double>(bytes) / peak.total : 0.0;
   const int sets = status.IsOK() ? limit : peak.total;
   const double predicted =
-      (static_cast<double>(before) * 1024 + static_cast<double>(buckets) + each * sets) / 1e6;
+      (static_cast<double>(before) * 1024 + static_cast<double>(tables) + each * sets) / 1e6;
   const double measured = static_cast<double>(most) * 1024 / 1e6;
   std::printf("| %d | %d | %.0f | %.1f | %.1f | %.2f | %d | %s after %d transactions, %.1f s |\n", limit,
               sets, each, predicted, measured, measured / predicted, peak.workList, describe(status).c_str(),

@@ -30,6 +30,10 @@ class EntryPool {
   EntryPool(const EntryPool&) = delete;
   EntryPool& operator=(const EntryPool&) = delete;
 
+  // Makes room for one entry more; take() does not fail then.
+  void makeRoom() {
+    if (free_ == nullptr) addChunk();
+  }
   // An entry whose key and descriptor are its block's own, with these values.
   Entry* take(ItemSet&& set, const CarmaSetDescriptor& descriptor) {
     Block* block = takeBlock(std::move(set));
@@ -49,12 +53,14 @@ class EntryPool {
     entry->key = nullptr;
     entry->next = free_;
     free_ = entry;
+    ++given_;
   }
-  // To be called when so many blocks have been given back one after the other. Lets the free blocks be handed
-  // out in the order in which they lie, which is the fastest to fill, if that is not too far to go: it takes
+  // To be called when many blocks have been given back. Lets the free blocks be handed out in the order in
+  // which they lie, which is the fastest to fill, if enough have been given since it was last done: it takes
   // a look at every block.
-  void orderFreeBlocks(std::size_t given) {
-    if (4 * given < blocks_) return;
+  void orderFreeBlocks() {
+    if (4 * given_ < blocks_) return;
+    given_ = 0;
     free_ = nullptr;
     for (auto chunk = chunks_.rbegin(); chunk != chunks_.rend(); ++chunk) {
       for (std::uint32_t i = chunk->size; i > 0; --i) {
@@ -90,7 +96,7 @@ class EntryPool {
   };
 
   Block* takeBlock(ItemSet&& set) {
-    if (free_ == nullptr) addChunk();
+    makeRoom();
     Block* block = static_cast<Block*>(free_);
     free_ = block->next;
     block->set = std::move(set);
@@ -122,6 +128,7 @@ class EntryPool {
   };
   std::vector<Chunk> chunks_;
   std::uint32_t blocks_ = 0;  // in all chunks
+  std::size_t given_ = 0;     // back, since they were last put in order
   Entry* free_ = nullptr;
 };
 

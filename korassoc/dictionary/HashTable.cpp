@@ -20,10 +20,14 @@ std::uint64_t codeOf(const ItemSet& set) {
 
 }  // namespace
 
-HashTable::HashTable(int initialBuckets) { setBucketCount(initialBuckets); }
+HashTable::HashTable(int initialBuckets) : HashTable(initialBuckets, std::make_shared<Pool>()) {}
+
+HashTable::HashTable(int initialBuckets, std::shared_ptr<Pool> pool) : pool_(std::move(pool)) {
+  setBucketCount(initialBuckets);
+}
 
 HashTable::HashTable(const HashTable& other)
-    : bucketCount_(other.bucketCount_), threshold_(other.threshold_) {
+    : bucketCount_(other.bucketCount_), threshold_(other.threshold_), pool_(std::make_shared<Pool>()) {
   if (other.buckets_.empty()) return;
   buckets_ = Buckets(other.buckets_.size());
   buckets_.prepareFor(static_cast<std::size_t>(other.count_));
@@ -60,12 +64,12 @@ void HashTable::deleteContents() {
 }
 
 void HashTable::deleteKey(Entry& entry) {
-  if (!entry.pooled || !korassoc::detail::EntryPool<Entry>::holdsKey(entry)) delete entry.key;
+  if (!entry.pooled || !Pool::holdsKey(entry)) delete entry.key;
 }
 
 void HashTable::replaceDescriptor(Entry& entry, SetCounter* descriptor) {
   if (entry.descriptor == descriptor) return;
-  if (!entry.pooled || !korassoc::detail::EntryPool<Entry>::holdsDescriptor(entry)) delete entry.descriptor;
+  if (!entry.pooled || !Pool::holdsDescriptor(entry)) delete entry.descriptor;
   entry.descriptor = descriptor;
 }
 
@@ -102,17 +106,21 @@ void HashTable::putNew(ItemSet* set, SetCounter* descriptor) {
 }
 
 HashTable::Entry* HashTable::emplace(const ItemSetView& set, const CarmaSetDescriptor& descriptor) {
-  ItemSet key(set.items, set.length);
-  Entry*& head = makeRoom(key.hashcode(), count_);
-  Entry* entry = pool_.take(std::move(key), descriptor);
-  hang(entry, head, set.code);
+  return emplace(ItemSet(set.items, set.length), set.code, descriptor);
+}
+
+HashTable::Entry* HashTable::emplace(ItemSet&& set, std::uint64_t code,
+                                     const CarmaSetDescriptor& descriptor) {
+  Entry*& head = makeRoom(set.hashcode(), count_);
+  Entry* entry = pool_->take(std::move(set), descriptor);
+  hang(entry, head, code);
   return entry;
 }
 
 HashTable::Entry* HashTable::emplace(const ItemSetView& set, std::unique_ptr<SetCounter> descriptor) {
   ItemSet key(set.items, set.length);
   Entry*& head = makeRoom(key.hashcode(), count_);
-  Entry* entry = pool_.take(std::move(key), descriptor.get());
+  Entry* entry = pool_->take(std::move(key), descriptor.get());
   static_cast<void>(descriptor.release());
   hang(entry, head, set.code);
   return entry;
@@ -122,6 +130,7 @@ void HashTable::makeRoomFor(const ItemSet& set, int leaving) {
   makeRoom(set.hashcode(), count_ - leaving);
   buckets_.prepareFor(static_cast<std::size_t>(count_ - leaving) + 1);  // the new head may tip the scales
   others_.makeRoom();
+  pool_->makeRoom();
   if (freeNodes_ == nullptr) recycle(new Entry{nullptr, nullptr, nullptr});
 }
 
@@ -136,7 +145,7 @@ HashTable::Entry*& HashTable::makeRoom(int hash, int others) {
 }
 
 HashTable::Entry* HashTable::entryAt(std::uint32_t number) const {
-  return (number & kElsewhere) == 0 ? pool_.at(number) : others_.at(number & ~kElsewhere);
+  return (number & kElsewhere) == 0 ? pool_->at(number) : others_.at(number & ~kElsewhere);
 }
 
 // Makes an entry known to the index, and forgotten by it.
@@ -238,7 +247,7 @@ void HashTable::release(Entry* entry) {
 // Takes an entry whose key and descriptor are gone or not the table's any more.
 void HashTable::recycle(Entry* entry) {
   if (entry->pooled) {
-    pool_.give(entry);
+    pool_->give(entry);
     return;
   }
   if (freeCount_ >= count_ / 8 + 64) {

@@ -53,6 +53,10 @@ class KORASSOC_EXPORT HashTable {
 
   // initialBuckets below 1 counts as 1.
   explicit HashTable(int initialBuckets);
+  // A table whose emplace() takes its entries from this pool, which it shares with others: what one of them
+  // gives back serves all. The tables keep the pool alive.
+  using Pool = korassoc::detail::EntryPool<Entry>;
+  HashTable(int initialBuckets, std::shared_ptr<Pool> pool);
   // Copies the chains in their order; keys and descriptors are shared, so one of the two tables has to be
   // cleared before it is destroyed.
   HashTable(const HashTable& other);
@@ -66,10 +70,12 @@ class KORASSOC_EXPORT HashTable {
   void putNew(ItemSet* set, SetCounter* descriptor);
   // putNew() of a copy of the set with a copy of the descriptor, both in a block of the table's own.
   Entry* emplace(const ItemSetView& set, const CarmaSetDescriptor& descriptor);
+  // The same, the set given to be moved with its code (ItemCode).
+  Entry* emplace(ItemSet&& set, std::uint64_t code, const CarmaSetDescriptor& descriptor);
   // The same with a descriptor of the caller's, which the table takes over.
   Entry* emplace(const ItemSetView& set, std::unique_ptr<SetCounter> descriptor);
-  // Makes room for this set, so that a put() or putNew() of it that comes next does not fail. leaving: how
-  // many entries the caller removes in between.
+  // Makes room for this set, so that a put(), putNew() or emplace() of it that comes next does not fail.
+  // leaving: how many entries the caller removes in between.
   void makeRoomFor(const ItemSet& set, int leaving);
   // As put(), but replaces key and descriptor of an equal stored set, deleting the former ones.
   void putReplace(ItemSet* set, SetCounter* descriptor);
@@ -144,7 +150,7 @@ class KORASSOC_EXPORT HashTable {
       removed = std::exchange(entry->next, nullptr);
       discard(entry);
     }
-    pool_.orderFreeBlocks(static_cast<std::size_t>(count));
+    pool_->orderFreeBlocks();
   }
 
   // The record in a binary state: "HT", the number of entries, then the records of key and descriptor of
@@ -202,6 +208,6 @@ class KORASSOC_EXPORT HashTable {
   int freeCount_ = 0;           // entries in it: enough to evict and add by turns
   Entry* freeNodes_ = nullptr;  // a chain of entries without contents
   korassoc::detail::EntryIndex<Entry> index_;
-  korassoc::detail::EntryPool<Entry> pool_;
+  std::shared_ptr<Pool> pool_;
   korassoc::detail::EntryNumbers<Entry> others_;  // entries that are not the pool's
 };

@@ -70,7 +70,7 @@ HashTable* SetDictionary::tableOrNull(int level) const {
 HashTable& SetDictionary::table(int level) {
   const auto index = static_cast<std::size_t>(level);
   if (index >= levels_.size()) levels_.resize(index + 1);
-  if (levels_[index] == nullptr) levels_[index] = std::make_unique<HashTable>(initialBuckets(level));
+  if (levels_[index] == nullptr) levels_[index] = std::make_unique<HashTable>(initialBuckets(level), pool_);
   return *levels_[index];
 }
 

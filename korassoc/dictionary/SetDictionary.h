@@ -302,6 +302,7 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   void prepareToStore(const ItemSet& set, const HashTable* leaving);
   void store(std::unique_ptr<ItemSet>& set, SetCounter* descriptor, bool queued);
   int addBySpilling(std::unique_ptr<ItemSet> set, SetCounter* descriptor);
+  bool makeWay(const ItemSet& set);
   int addByGivingUp(std::unique_ptr<ItemSet> set, SetCounter* descriptor);
   void discard(HashTable::Entry* entry, HashTable& table);
 
@@ -309,6 +310,7 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   void linkLevels();
   static void linkSubsets(const ItemSet& set, const korassoc::detail::SubsetIndex& subsets, int level);
 
+  std::shared_ptr<HashTable::Pool> pool_ = std::make_shared<HashTable::Pool>();  // of the levels' entries
   std::vector<std::unique_ptr<HashTable>> levels_;  // made when first needed; null: never held a set
   HashTable noSets_{1};                             // what levelTable() answers for those
   std::unique_ptr<std::bitset<kItemBits>> itemBits_;

@@ -88,10 +88,18 @@ int SetDictionary::addSet(const OrderedArray& values, const OrderedArray& index,
 }
 
 int SetDictionary::add(const ItemSetView& set, const CarmaSetDescriptor& descriptor) {
-  if (inStoreCount_ < maxInStoreSets_ && leaveInMainStoreCount_ < 1 && set.length <= maxLevel_) {
+  const bool full = inStoreCount_ >= maxInStoreSets_;
+  if (set.length <= maxLevel_ && !(full && diskSpill_)) {
+    ItemSet key(set.items, set.length);
+    if (full && !makeWay(key)) return kMemoryFull;
     graph_.reset();
-    table(set.length).emplace(set, descriptor);
-    ++inStoreCount_;
+    const HashTable::Entry* entry = table(set.length).emplace(std::move(key), set.code, descriptor);
+    if (full || leaveInMainStoreCount_ >= 1) {
+      setOpen();
+      smallQueue_.push(entry->key);
+      queueTopCount_ = 1;
+    }
+    if (!full) ++inStoreCount_;
     return kStored;
   }
   auto owned = std::make_unique<CarmaSetDescriptor>(descriptor);
@@ -148,17 +156,24 @@ void SetDictionary::store(std::unique_ptr<ItemSet>& set, SetCounter* descriptor,
   if (queued) smallQueue_.push(stored);
 }
 
-int SetDictionary::addByGivingUp(std::unique_ptr<ItemSet> set, SetCounter* descriptor) {
+// Gives up the first set of the queue, so that this one can be stored in its place without failing. False
+// when the queue is empty.
+bool SetDictionary::makeWay(const ItemSet& set) {
   const ItemSet* first = smallQueue_.head();
-  if (first == nullptr) return kMemoryFull;
+  if (first == nullptr) return false;
   HashTable* from = tableOrNull(first->length());
   if (from != nullptr && !from->contains(first)) from = nullptr;
-  prepareToStore(*set, from);
+  prepareToStore(set, from);
   smallQueue_.pop();
   if (from != nullptr) {
     discard(from->remove(first), *from);
     ++setsGivenUp_;
   }
+  return true;
+}
+
+int SetDictionary::addByGivingUp(std::unique_ptr<ItemSet> set, SetCounter* descriptor) {
+  if (!makeWay(*set)) return kMemoryFull;
   store(set, descriptor, true);
   queueTopCount_ = 1;
   return kStored;

@@ -103,7 +103,7 @@ void SetDictionary::adopt(const korassoc::detail::CompleteItemsets& itemsets) {
   // Made aside: when memory runs out, the dictionary stays as it was.
   std::vector<std::unique_ptr<HashTable>> tables(itemsets.levels.size() + 1);
   for (std::size_t level = 0; level < tables.size(); ++level) {
-    tables[level] = std::make_unique<HashTable>(initialBuckets(static_cast<int>(level)));
+    tables[level] = std::make_unique<HashTable>(initialBuckets(static_cast<int>(level)), pool_);
   }
   const auto store = [&tables](const int* items, std::size_t length, int count) {
     tables[length]->emplace(ItemSetView(items, static_cast<int>(length)),

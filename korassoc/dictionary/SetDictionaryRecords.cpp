@@ -112,7 +112,7 @@ template <typename Read>
 void SetDictionary::readTables(Read&& read) {
   std::unique_ptr<HashTable> table;
   for (int level = 0;; ++level) {
-    if (table == nullptr) table = std::make_unique<HashTable>(1);
+    if (table == nullptr) table = std::make_unique<HashTable>(1, pool_);
     read(*table, level);
     if (table->count() > 0) {
       levels_.resize(static_cast<std::size_t>(level) + 1);
