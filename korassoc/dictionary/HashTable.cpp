@@ -127,6 +127,7 @@ HashTable::Entry* HashTable::emplace(const ItemSetView& set, std::unique_ptr<Set
 }
 
 void HashTable::makeRoomFor(const ItemSet& set, int leaving) {
+  if (count_ - leaving >= threshold_ && find(&set) != nullptr) return;  // it will be refused: nothing grows
   makeRoom(set.hashcode(), count_ - leaving);
   buckets_.prepareFor(static_cast<std::size_t>(count_ - leaving) + 1);  // the new head may tip the scales
   others_.makeRoom();

@@ -98,6 +98,19 @@ TEST(HashTable, DoesNotGrowForAnEqualSet) {
   EXPECT_EQ(table.bucketCount(), 2);
 }
 
+TEST(HashTable, MakesRoomOnlyForWhatPutWillTake) {
+  HashTable table(2);
+  put(table, 1);
+  table.makeRoomFor(ItemSet(1), 0);
+  EXPECT_EQ(table.bucketCount(), 2);
+  table.makeRoomFor(ItemSet(2), 1);
+  EXPECT_EQ(table.bucketCount(), 2);
+  table.makeRoomFor(ItemSet(2), 0);
+  EXPECT_EQ(table.bucketCount(), 5);
+  EXPECT_TRUE(put(table, 2));
+  EXPECT_EQ(table.bucketCount(), 5);
+}
+
 TEST(HashTable, TellsSetsOfOneHashCodeApartByLengthAndItems) {
   // {} and {0} have the hash code 0.
   HashTable table(5);
