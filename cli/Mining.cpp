@@ -156,8 +156,8 @@ void Mining::runSecondPass() {
       if (plan_.maxSets && status.GetCode() == kMemoryFull) {
         throw CliError(
             ExitCode::kLimit,
-            fmt::format("more than {} itemsets are in {} of {} transactions: those beyond the limit are "
-                        "refused, and there is no result; raise --max-sets or the support",
+            fmt::format("more than {} itemsets are in {} of {} transactions: 1 itemset was refused, at which "
+                        "the run ended without a result; raise --max-sets or the support",
                         *plan_.maxSets, figures_.leastCount, figures_.transactions));
       }
       return check(status, "counting");
@@ -215,6 +215,9 @@ void Mining::report() const {
                figures_.transactionsInPhaseI);
     fmt::print(stderr, "itemsets      {}, the longest of {} items\n", figures_.setsInLattice,
                figures_.longestSet);
+    if (plan_.spillFolder) {
+      fmt::print(stderr, "spilled       nothing: an exact run keeps its result alone, and that in memory\n");
+    }
   } else {
     fmt::print(stderr, "itemsets      {} after the first pass, {} at the end, the longest of {} items\n",
                figures_.setsInPhaseI, figures_.setsInLattice, figures_.longestSet);

@@ -61,10 +61,10 @@ void MiningOptions::addTo(CLI::App& command) {
           ->type_name("N")
           ->group(group);
   command
-      .add_option("--spill", spillFolder_,
-                  "With --approximate: itemsets that make room for others go to a file in this folder")
+      .add_option(
+          "--spill", spillFolder_,
+          "Itemsets that make room for others go to a file in this folder; only --approximate has such")
       ->type_name("DIR")
-      ->needs(approximate)
       ->needs(maxSets)
       ->excludes(onePass)
       ->group(group);

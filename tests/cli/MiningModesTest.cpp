@@ -145,8 +145,22 @@ TEST(MemoryLimit, ThatDoesNotLeavesNoExactResult) {
   EXPECT_EQ(run.out, "");
   EXPECT_THAT(
       run.err,
-      HasSubstr("korassoc: more than 7 itemsets are in 20 of 80 transactions: those beyond the limit are "
-                "refused, and there is no result; raise --max-sets or the support\n"));
+      HasSubstr(
+          "korassoc: more than 7 itemsets are in 20 of 80 transactions: 1 itemset was refused, at which "
+          "the run ended without a result; raise --max-sets or the support\n"));
+}
+
+TEST(MemoryLimit, OfAnExactRunHasNoUseForADisk) {
+  const TemporaryFolder folder;
+  const std::string disk = folder.path().string();
+  const ToolRun fits = mine(kBaskets, {"-s", "25%", "-c", "60%", "--max-sets", "8", "--spill", disk});
+  EXPECT_EQ(fits.exitCode, 0) << fits.err;
+  EXPECT_EQ(fits.out, mine(kBaskets, {"-s", "25%", "-c", "60%"}).out);
+  EXPECT_THAT(fits.err, HasSubstr("spilled       nothing: an exact run keeps its result alone"));
+  const ToolRun full = mine(kBaskets, {"-s", "25%", "-c", "60%", "--max-sets", "7", "--spill", disk});
+  EXPECT_EQ(full.exitCode, 4);
+  EXPECT_THAT(full.err, HasSubstr("more than 7 itemsets"));
+  EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
 }
 
 // Room for two of three items that come by turns: from the third basket on, every one drives out the item
@@ -187,7 +201,7 @@ TEST(MiningOptions, ThatContradictEachOtherAreRefused) {
   for (const std::vector<std::string>& options :
        std::vector<std::vector<std::string>>{{"--approximate", "--one-pass"},
                                              {"--approximate", "--spill", "."},
-                                             {"--max-sets", "5", "--spill", "."},
+                                             {"--spill", "."},
                                              {"--one-pass", "--max-sets", "5", "--spill", "."},
                                              {"--max-sets", "0"},
                                              {"--max-sets", "-3"},
