@@ -114,15 +114,20 @@ void SetDictionary::adopt(const korassoc::detail::CompleteItemsets& itemsets) {
     const korassoc::detail::CompleteLevel& sets = itemsets.levels[level];
     for (std::size_t i = 0; i < sets.counts.size(); ++i) store(sets.set(i).data(), level + 1, sets.counts[i]);
   }
-  while (!smallQueue_.empty()) smallQueue_.pop();
-  graph_.reset();
   levels_.swap(tables);
-  spillStore_.reset();
+  std::unique_ptr<SpillStore> spilled = std::move(spillStore_);  // no part of the new sets
+  try {
+    linkLevels();
+  } catch (...) {
+    levels_.swap(tables);
+    spillStore_ = std::move(spilled);
+    throw;
+  }
+  while (!smallQueue_.empty()) smallQueue_.pop();  // sets of the former tables
+  graph_.reset();
   inStoreCount_ = korassoc::detail::saturatingSum(
       korassoc::detail::saturatingInt(static_cast<double>(itemsets.size())), 1);
   setOpen();
-  latticeBuilt_ = false;
-  linkLevels();
   latticeBuilt_ = true;
 }
 

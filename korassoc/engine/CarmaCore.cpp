@@ -145,8 +145,8 @@ bool CarmaCore::extend(SetDictionary& dictionary, std::size_t place, const ItemS
 
 // Stores a set that was met for the first time. False when the dictionary refused it.
 bool CarmaCore::add(SetDictionary& dictionary, const ItemSetView& set, int missed) {
-  longAdded_ = std::max(longAdded_, set.length);
   const bool stored = dictionary.add(set, CarmaSetDescriptor(1, nTrans_, missed)) == 0;
+  longAdded_ = std::max(longAdded_, set.length);
   releaseUnused(dictionary);
   return stored;
 }
