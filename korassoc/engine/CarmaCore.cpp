@@ -60,6 +60,7 @@ KorStatus CarmaCore::step(SetDictionary& dictionary, const Transaction& transact
   maxLength_ = std::max(maxLength_, length);
   sigma_ = sigma;
   fetch(transaction);
+  if (dictionary.isLatticeBuilt()) return KorStatus();  // a callback of the transaction has ended phase I
 
   using korassoc::detail::countBound;
   using korassoc::detail::raisedCountBound;
@@ -206,6 +207,8 @@ void CarmaCore::stepPhaseII(const SetDictionary& dictionary, const Transaction& 
   dictionary.noteCounting();
   exact_.count(items_);
 }
+
+void CarmaCore::endPhaseII() { exact_.clear(); }
 
 void CarmaCore::restoreTransactions(int transactions, double averageSupport) {
   nTrans_ = transactions;

@@ -30,7 +30,8 @@ class CarmaCore {
   // Phase I for one transaction. sigmaPrev and sigma: the average support (fraction) before and after this
   // transaction's own was added; supportCount: the count to which the last pruning cut, 1.0 before the first.
   // Answers OK; 3/error when the dictionary refused a new set, what was counted so far staying counted;
-  // 40001/error when the dictionary failed. An exception of the transaction itself is let through.
+  // 40001/error when the dictionary failed. An exception of the transaction itself is let through. Nothing is
+  // counted when a callback of the transaction has built the lattice.
   KorAssoc::KorStatus step(SetDictionary& dictionary, const Transaction& transaction, double sigmaPrev,
                            double sigma, double supportCount);
 
@@ -39,6 +40,10 @@ class CarmaCore {
   // Counts one transaction of the second pass, whatever the order of the transactions. The dictionary must
   // hold the sets that it held when the pass was prepared.
   void stepPhaseII(const SetDictionary& dictionary, const Transaction& transaction);
+
+  // Gives up what the steps count by, before sets leave the dictionary; steps of a pass that goes on all the
+  // same count nothing.
+  void endPhaseII();
 
   // Notes the number of a transaction that a complete pass has read.
   void noteTransactionII(int number) { nTransII_ = number; }

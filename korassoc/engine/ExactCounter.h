@@ -24,6 +24,8 @@ class ExactCounter {
  public:
   // Builds the tree of the dictionary's sets of at least fromLevel (1 or more) items.
   void prepare(const SetDictionary& dictionary, int fromLevel);
+  // Forgets the sets; count() does nothing then.
+  void clear() { nodes_ = {}; }
   // Adds one to the counter of each set, for each choice of positions. items: ascending.
   void count(std::span<const int> items);
 

@@ -114,7 +114,7 @@ void PhaseIContext::readTransactions(Engine& engine, int transactions, Pass& pas
     pass.averageSupport = engine.ceilings_->average();
     pass.result = engine.core_->step(*engine.dictionary_, *transaction, averageBefore, pass.averageSupport,
                                      engine.supportCount_);
-    if (!pass.result.IsOK()) return;
+    if (!pass.result.IsOK() || isLeft(engine)) return;
 
     if (isMultiple(pass.transaction, pruneFrequency)) {
       engine.peakSets_ = std::max(engine.peakSets_, engine.dictionary_->getTotalSetCount());

@@ -85,6 +85,7 @@ KorStatus PhaseIIContext::countAgain(Engine& engine, SetDictionary& dictionary, 
     if (frequency != 0 && count % frequency == 0) report(engine);
   }
   if (engine.cancelRequested_) return KorStatus();
+  core.endPhaseII();  // a callback may have run this pass within another one, which goes on
   dictionary.removeSmallSets(engine.transactionsSeen_ * engine.ceilings_->average());
   dictionary.buildLattice();
   report(engine);

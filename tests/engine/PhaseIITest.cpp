@@ -8,6 +8,7 @@
 #include <iostream>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "korassoc/itemsets/ItemSet.h"
@@ -262,6 +263,37 @@ TEST(RunPhaseII, SurvivesACancelThatACallbackCarriesOut) {
       EXPECT_EQ(shortForm(form.run(engine)), "E1") << form.name;
       EXPECT_EQ(shortForm(engine.GetStatus()), "E1") << form.name;
       EXPECT_EQ(engine.NumberOfSets(), -1) << form.name;
+    }
+  }
+}
+
+// The inner pass takes the counters away that the outer one counts by; the counts are the inner one's.
+TEST(RunPhaseII, SurvivesAPassThatACallbackRuns) {
+  struct NestingSource : VectorTransactions {
+    using VectorTransactions::VectorTransactions;
+    Transaction* Next() override {
+      if (engine != nullptr && position() == 2) {
+        CarmaAssociationAlgorithm* const inner = std::exchange(engine, nullptr);
+        EXPECT_EQ(shortForm(form->run(*inner)), "OK");
+        Restart();
+      }
+      return VectorTransactions::Next();
+    }
+    CarmaAssociationAlgorithm* engine = nullptr;
+    const Form* form = nullptr;
+  };
+  for (const Form& outer : {kExact, kRandom}) {
+    for (const Form& inner : {kExact, kRandom, kComplete}) {
+      auto settings = settingsWithSupport(0.5);
+      NestingSource source(repeated({1, 2}, 6));
+      CarmaAssociationAlgorithm engine(settings.get(), &source);
+      engine.RunPhaseI(6);
+      source.engine = &engine;
+      source.form = &inner;
+      EXPECT_EQ(shortForm(outer.run(engine)), "OK") << outer.name << " and " << inner.name;
+      const ItemSet pair(ItemSet(1), 2);
+      EXPECT_EQ(Access::dictionary(engine)->getCount(&pair), 6) << outer.name << " and " << inner.name;
+      EXPECT_TRUE(engine.IsLatticeBuilt());
     }
   }
 }

@@ -7,6 +7,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "korassoc/engine/CarmaAssociationAlgorithm.h"
@@ -23,6 +24,36 @@ namespace {
 using Access = CarmaAssociationAlgorithmTestAccess;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+
+// Calls back when the engine asks for its item.
+class CallingTransaction : public Transaction {
+ public:
+  CallingTransaction(int item, std::function<void()> call) : item_(item), call_(std::move(call)) {}
+  int GetItem(int) const override {
+    call_();
+    return item_;
+  }
+  int GetTransactionID() const override { return 0; }
+  int GetLength() const override { return 1; }
+
+ private:
+  int item_;
+  std::function<void()> call_;
+};
+
+// Ten transactions {1}; the item of the fifth calls back.
+class CallingSource : public VectorTransactions {
+ public:
+  explicit CallingSource(std::function<void()> call)
+      : VectorTransactions(repeated({1}, 10)), fifth_(1, std::move(call)) {}
+  Transaction* Next() override {
+    Transaction* next = VectorTransactions::Next();
+    return position() == 5 ? &fifth_ : next;
+  }
+
+ private:
+  CallingTransaction fifth_;
+};
 
 }  // namespace
 
@@ -378,4 +409,33 @@ TEST(RunPhaseI, DoesNotCountATransactionWhoseSupportLedTheEngineOn) {
       << "phase II began with what earlier calls had counted: nothing";
   EXPECT_EQ(run.source.position(), 3);
   EXPECT_TRUE(run.engine->IsLatticeBuilt());
+}
+
+// The dictionary is gone when the transaction has been fetched; a pruning point follows.
+TEST(Cancel, MayBeCarriedOutByAnOperationThatATransactionCalls) {
+  auto settings = settingsWithSupport(0.5);
+  settings->SetRemoveSmallFreq(5);
+  std::unique_ptr<CarmaAssociationAlgorithm> engine;
+  CallingSource source([&] {
+    engine->Cancel();
+    EXPECT_EQ(shortForm(engine->RunNullPhaseII(0.0)), "E1");
+  });
+  engine = std::make_unique<CarmaAssociationAlgorithm>(settings.get(), &source);
+  EXPECT_EQ(shortForm(engine->RunPhaseI(10)), "W1");
+  EXPECT_EQ(shortForm(engine->GetStatus()), "E1");
+  EXPECT_EQ(source.position(), 5);
+}
+
+// A set added to the lattice that the callback has built would have no links.
+TEST(RunPhaseI, DoesNotCountATransactionThatLedTheEngineOn) {
+  auto settings = settingsWithSupport(0.5);
+  std::unique_ptr<CarmaAssociationAlgorithm> engine;
+  CallingSource source([&] { EXPECT_EQ(shortForm(engine->RunNullPhaseII(0.0)), "OK"); });
+  engine = std::make_unique<CarmaAssociationAlgorithm>(settings.get(), &source);
+  engine->RunPhaseI(3);
+  EXPECT_EQ(shortForm(engine->RunPhaseI(7)), "OK");
+  EXPECT_EQ(source.position(), 5);
+  EXPECT_EQ(engine->NumberOfTransactions(), 3) << "what the first call had counted";
+  EXPECT_EQ(Access::dictionary(*engine)->getCount(1), 4) << "and the fourth transaction";
+  EXPECT_TRUE(engine->IsLatticeBuilt());
 }
