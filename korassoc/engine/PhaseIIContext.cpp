@@ -110,10 +110,11 @@ KorStatus PhaseIIContext::countCompletely(Engine& engine, double minSupport) con
                                     if (frequency != 0 && number % frequency == 0) report(engine);
                                   }};
   const int maxSets = settings.GetDictionarySettings().GetMaxInStoreSets();
-  CompletePass pass(
-      *engine.iterator_,
-      {minSupport, settings.GetMaxLengthSet(), std::max(maxSets, 1) - 1, settings.GetCompleteIndexBudget()},
-      watch);
+  // The dictionary keeps to the length with which it was made, whatever the settings say by now.
+  const int maxLength = std::min(settings.GetMaxLengthSet(), dictionary.maxLevel());
+  CompletePass pass(*engine.iterator_,
+                    {minSupport, maxLength, std::max(maxSets, 1) - 1, settings.GetCompleteIndexBudget()},
+                    watch);
   switch (pass.run()) {
     case CompletePass::Outcome::kNotRestarted:
       return KorStatus(2, false);
@@ -125,8 +126,11 @@ KorStatus PhaseIIContext::countCompletely(Engine& engine, double minSupport) con
     case CompletePass::Outcome::kDone:
       break;
   }
+  core.endPhaseII();
   dictionary.adopt(pass.itemsets());
+  // What a later pass over the same transactions counts.
   engine.transactionsSeen_ = pass.itemsets().transactionCount;
+  core.restoreTransactions(engine.transactionsSeen_, core.averageSupport());
   report(engine);
   return KorStatus();
 }

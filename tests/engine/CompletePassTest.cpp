@@ -251,6 +251,36 @@ TEST(RunPhaseIIcomplete, CanRunAgainWithAnotherSupport) {
   EXPECT_EQ(storedSets(*Access::dictionary(engine)), (Counts{{{}, 2}, {{1}, 2}, {{2}, 1}, {{1, 2}, 1}}));
 }
 
+// A second pass over the same transactions finds the same counts, also of what phase I never saw.
+TEST(RunPhaseIIcomplete, LeavesItsTransactionsToAPassThatFollows) {
+  const Transactions transactions = {{1, 2}, {1, 2}, {1}, {8, 9}, {8, 9}, {9}};
+  for (const bool random : {false, true}) {
+    Mining run(transactions);
+    CarmaAssociationAlgorithm& engine = run.start();
+    ASSERT_TRUE(engine.RunPhaseI(3).IsOK());
+    ASSERT_TRUE(engine.RunPhaseIIcomplete(0.3).IsOK());
+    const Counts complete = storedSets(*Access::dictionary(engine));
+    ASSERT_TRUE((random ? engine.RunPhaseIIrandom() : engine.RunPhaseII()).IsOK());
+    EXPECT_EQ(storedSets(*Access::dictionary(engine)), complete);
+    EXPECT_EQ(Access::transactionsSeen(engine), 6);
+  }
+}
+
+TEST(RunPhaseIIcomplete, KeepsToTheLengthWithWhichTheEngineWasMade) {
+  const Transactions transactions = {{1, 2, 3}, {1, 2, 3}};
+  for (const int settingsSayNow : {1, 3}) {
+    Mining run(transactions, 2);
+    CarmaAssociationAlgorithm& engine = run.start();
+    run.settings.SetMaxLengthSet(settingsSayNow);
+    ASSERT_TRUE(engine.RunPhaseIIcomplete(1.0).IsOK());
+    const SetDictionary& dictionary = *Access::dictionary(engine);
+    const Counts stored = storedSets(dictionary);
+    EXPECT_EQ(stored, frequentOf(transactions, 2, std::min(settingsSayNow, 2)));
+    expectLinksComplete(dictionary, stored);
+    EXPECT_EQ(engine.NumberOfSets(), static_cast<int>(stored.size()));
+  }
+}
+
 TEST(RunPhaseIIcomplete, ReportsTransactionsAndTheEnd) {
   class Listener : public ProgressListener {
    public:
