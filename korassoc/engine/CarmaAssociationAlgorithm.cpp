@@ -177,7 +177,9 @@ int CarmaAssociationAlgorithm::CountSetsOfSize(int length) const {
 
 void CarmaAssociationAlgorithm::DisplayDictInfo() const {
   for (int length = 0; length <= LongestSet(); ++length) {
-    std::cout << "sets of size " << length << ' ' << CountSetsOfSize(length) << std::endl;
+    // Decimal, whatever the stream's flags and locale.
+    std::cout << "sets of size " << std::to_string(length) << ' ' << std::to_string(CountSetsOfSize(length))
+              << std::endl;
   }
 }
 

@@ -421,6 +421,8 @@ TEST(RunNullPhaseII, CarriesACancelOutInAnUnusableEngineToo) {
 TEST(DisplayDictInfo, WritesALineForEachLength) {
   AfterPhaseI host(Transactions{{1, 2}, {1, 2}, {1, 2, 3}, {1, 2}});
   const StreamCapture output(std::cout);
+  std::cout << std::showbase << std::hex;
   host.engine->DisplayDictInfo();
+  std::cout << std::noshowbase << std::dec;
   EXPECT_EQ(output.text(), "sets of size 0 1\nsets of size 1 2\nsets of size 2 1\n");
 }
