@@ -204,9 +204,10 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
 
   // --- Memory limit ---
   void createSpillStore();
-  void queuePush(ItemSet* set) { smallQueue_.push(set); }
-  ItemSet* queuePop() { return smallQueue_.pop(); }
-  void queueUnlink(ItemSet* set) { smallQueue_.unlink(set); }
+  // The queue of sets that may leave: to its end; the first of it, out of it, or null; out of it, if in it.
+  void queuePush(ItemSet* set);
+  ItemSet* queuePop();
+  void queueUnlink(ItemSet* set);
   // Sets in memory and the most there may be; a lower limit than what is stored gives nothing up at once.
   int inStoreCount() const { return inStoreCount_; }
   int maxInStoreSets() const { return maxInStoreSets_; }

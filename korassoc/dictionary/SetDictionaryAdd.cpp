@@ -240,6 +240,12 @@ void SetDictionary::releaseEvictedBut(const std::vector<const SetCounter*>& used
   });
 }
 
+void SetDictionary::queuePush(ItemSet* set) { smallQueue_.push(set); }
+
+ItemSet* SetDictionary::queuePop() { return smallQueue_.pop(); }
+
+void SetDictionary::queueUnlink(ItemSet* set) { smallQueue_.unlink(set); }
+
 void SetDictionary::createSpillStore() {
   const char* name = settings_->HasSpillFileName() ? settings_->GetSpillFileName() : "";
   spillStore_ = std::make_unique<SpillStore>(this, name, maxLevel_, kSpillLevel);
