@@ -146,6 +146,7 @@ class KORASSOC_EXPORT CarmaAssociationAlgorithm {
   // is none or the engine is cancelled.
   double AverageSupport() const;
 
+  // Whether a form of phase II has come to its end; false when the engine is cancelled or unusable.
   bool IsLatticeBuilt() const;
 
   // Stored itemsets, the empty one included; transactions; items of the longest stored set; stored sets of a
