@@ -323,6 +323,57 @@ TEST_P(FilteredRules, AreTheSplitsThatFulfilEveryCondition) {
   EXPECT_GT(rules, 1500U);  // the filters let something through
 }
 
+using Figures = std::tuple<int, double, double, double>;  // item, support, confidence, lift
+
+// Of the sorted rules the first one of each item, as many as are wanted; a negative number wants all.
+std::vector<Figures> firstOfEachItem(const std::vector<Rule>& sorted, int wanted) {
+  std::vector<Figures> result;
+  for (const Rule& rule : sorted) {
+    if (wanted >= 0 && result.size() >= static_cast<std::size_t>(wanted)) break;
+    const int item = rule.consequent.at(0);
+    if (std::none_of(result.begin(), result.end(),
+                     [&](const Figures& f) { return std::get<0>(f) == item; })) {
+      result.emplace_back(item, rule.support, rule.confidence, rule.lift);
+    }
+  }
+  return result;
+}
+
+TEST_P(FilteredRules, WithOneItemGiveTheFilteredConsequents) {
+  Dice dice(static_cast<std::uint64_t>(GetParam()) + 1000);
+  std::size_t items = 0;
+  for (int data = 0; data < 30; ++data) {
+    const Counts counts = randomCounts(dice, allItems(), 25, 5, dice.between(1, 2));
+    if (counts.size() < 2) continue;
+    TestLattice lattice(counts);
+    for (int query = 0; query < 30; ++query) {
+      Filter f = randomFilter(dice, counts.at({}));
+      f.sortBy = "CSL"[dice.below(3)];
+      f.consequentRequired.reset();
+      f.minConsequentLength = f.maxConsequentLength = 1;
+      f.minimal = false;
+      std::vector<Rule> rules = Enumeration(counts, f).rules();
+      sort(rules, f.sortBy);
+      const std::vector<Figures> expected = firstOfEachItem(rules, f.maxRules);
+      Argument required(f.antecedentRequired), allowed(f.antecedentAllowed), consequents(f.consequentAllowed);
+      std::vector<ConsequentDescriptor> out;
+      ASSERT_TRUE(lattice.dictionary
+                      .createFilteredConsequents(f.minConfidence, f.maxConfidence, f.minSupport, f.maxSupport,
+                                                 f.minLift, f.sortBy, required.get(), allowed.get(),
+                                                 f.minAntecedentLength, f.maxAntecedentLength,
+                                                 consequents.get(), f.maxRules, out, nullptr)
+                      .IsOK());
+      std::vector<Figures> found;
+      for (const ConsequentDescriptor& c : out) {
+        found.emplace_back(c.getItem(), c.getSupport(), c.getConfidence(), c.getLift());
+      }
+      ASSERT_EQ(found, expected) << "seed " << GetParam() << ", data " << data << ", query " << query;
+      items += found.size();
+    }
+  }
+  EXPECT_GT(items, 300U);
+}
+
 INSTANTIATE_TEST_SUITE_P(Seeds, FilteredRules, testing::Range(0, 4));
 
 // A figure out of everything that a double can be.

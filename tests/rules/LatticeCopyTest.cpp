@@ -210,6 +210,45 @@ TEST(FilteredCopy, AFractionOfAnythingIsTaken) {
   EXPECT_EQ(all->getTotalSetCount(), 8);
 }
 
+TEST(FilteredCopy, HoldsWhatAnEnumerationKeeps) {
+  Dice dice(4);
+  const std::vector<int> items = {-3, 0, 2, 5, 11, 1000};
+  for (int data = 0; data < 100; ++data) {
+    const Counts counts = randomCounts(dice, items, 25, 5, 1);
+    TestLattice lattice(counts);
+    const int n = counts.at({});
+    for (int query = 0; query < 10; ++query) {
+      const int numerator = dice.between(0, 13);
+      const int minCount = n * numerator / 12;  // cut off
+      std::vector<int> leaveOut;
+      for (const int item : items) {
+        if (dice.chance(20)) leaveOut.push_back(item);
+      }
+      const auto isKept = [&](const std::vector<int>& set) {
+        const auto found = counts.find(set);
+        if (found == counts.end()) return false;
+        const bool overlaps = std::any_of(set.begin(), set.end(), [&](int item) {
+          return std::binary_search(leaveOut.begin(), leaveOut.end(), item);
+        });
+        return set.empty() || (found->second >= minCount && !overlaps);
+      };
+      std::map<std::vector<int>, Stored> expected;
+      for (const auto& [set, count] : counts) {
+        if (!isKept(set)) continue;
+        expected[set] = {count, {}};
+        for (const int item : items) {
+          std::vector<int> larger = set;
+          larger.insert(std::lower_bound(larger.begin(), larger.end(), item), item);
+          if (isKept(larger)) expected[set].adjacent.push_back(item);
+        }
+      }
+      const std::unique_ptr<SemiLattice> copy(
+          lattice.dictionary.filteredCopy(numerator / 12.0, itemSet(leaveOut)));
+      ASSERT_EQ(contents(*copy), expected) << "data " << data << ", query " << query;
+    }
+  }
+}
+
 TEST(FilteredCopy, OfACopyGivesTheSameSets) {
   Dice dice(3);
   for (int data = 0; data < 40; ++data) {

@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <functional>
 #include <iostream>
+#include <iterator>
 #include <limits>
 #include <set>
 #include <vector>
@@ -272,6 +274,62 @@ TEST_P(LatticeSearchAgainstEnumeration, FindsWhatIsWithinTheBoundsAndNothingElse
                   return fits && std::any_of(set.begin(), set.end(),
                                              [&](int item) { return includes(allowed, {item}); });
                 }));
+    }
+  }
+}
+
+// A closed family of sets over five items whose counts are all different and fall with every item.
+Counts distinctCounts(Dice& dice) {
+  const std::vector<int> items = {-3, 0, 2, 5, 11};
+  Counts counts = {{{}, 5000}};
+  int next = 5000;
+  for (int sets = dice.between(1, 31); sets > 0; --sets) {
+    Sets candidates;  // all of whose subsets are there
+    for (const auto& [set, count] : counts) {
+      for (const int item : items) {
+        std::vector<int> larger = set;
+        const auto place = std::lower_bound(larger.begin(), larger.end(), item);
+        if (place != larger.end() && *place == item) continue;
+        larger.insert(place, item);
+        bool closed = counts.count(larger) == 0;
+        for (std::size_t i = 0; closed && i < larger.size(); ++i) {
+          std::vector<int> smaller = larger;
+          smaller.erase(smaller.begin() + static_cast<std::ptrdiff_t>(i));
+          closed = counts.count(smaller) != 0;
+        }
+        if (closed) candidates.insert(larger);
+      }
+    }
+    const auto chosen = std::next(candidates.begin(), dice.below(static_cast<int>(candidates.size())));
+    counts[*chosen] = next -= dice.between(1, 90);
+  }
+  return counts;
+}
+
+// Where no two counts are equal, a set is queued by everything below it before it is taken, and again each
+// time that is taken again: as often as there are ways up to it from the base, one for each order of the
+// items.
+TEST_P(LatticeSearchAgainstEnumeration, TheKthSupportCountsEveryWayUp) {
+  Dice dice(static_cast<std::uint64_t>(GetParam()));
+  for (int data = 0; data < 15; ++data) {
+    const Counts counts = distinctCounts(dice);
+    TestLattice random(counts);
+    for (const auto& [base, baseCount] : counts) {
+      std::vector<int> taken;
+      for (const auto& [set, count] : counts) {
+        if (!includes(set, base)) continue;
+        std::size_t ways = 1;
+        for (std::size_t added = set.size() - base.size(); added > 1; --added) ways *= added;
+        taken.insert(taken.end(), ways, count);
+      }
+      std::sort(taken.begin(), taken.end(), std::greater<>());
+      const auto all = static_cast<int>(taken.size());
+      for (int k = 1; k <= all; ++k) {
+        ASSERT_EQ(random.dictionary.findSupport(itemSet(base), k),
+                  taken[static_cast<std::size_t>(k) - 1] / 5000.0)
+            << "k " << k << " of " << all;
+      }
+      ASSERT_EQ(random.dictionary.findSupport(itemSet(base), all + 1), -1.0);
     }
   }
 }
