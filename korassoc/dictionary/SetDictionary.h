@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <atomic>
 #include <bitset>
 #include <cstdint>
 #include <iosfwd>
@@ -328,7 +329,7 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   bool closed_ = true;
   int queueTopCount_ = 0;  // an incremented queued set with a higher count moves to the tail
   int leaveInMainStoreCount_;
-  bool restartFailed_ = false;
+  std::atomic<bool> restartFailed_ = false;  // a cancel may come from another thread
   bool rulesFlag_ = false;
   bool bitsetOff_ = true;
   bool latticeBuilt_ = false;

@@ -36,51 +36,51 @@ CarmaAssociationAlgorithm::CarmaAssociationAlgorithm(CarmaSettings* settings, Mu
 
 CarmaAssociationAlgorithm::~CarmaAssociationAlgorithm() = default;
 
-void CarmaAssociationAlgorithm::Cancel() { state_->Cancel(*this); }
+void CarmaAssociationAlgorithm::Cancel() { state_.load()->Cancel(*this); }
 
 KorStatus CarmaAssociationAlgorithm::SaveState(std::fstream& stream) {
-  return state_->SaveState(*this, stream);
+  return state_.load()->SaveState(*this, stream);
 }
 
 KorStatus CarmaAssociationAlgorithm::SaveStateXML(std::ostream& stream) {
-  return state_->SaveStateXML(*this, stream);
+  return state_.load()->SaveStateXML(*this, stream);
 }
 
 void CarmaAssociationAlgorithm::SetProgressListener(ProgressListener* listener) {
-  state_->SetProgressListener(*this, listener);
+  state_.load()->SetProgressListener(*this, listener);
 }
 
 void CarmaAssociationAlgorithm::SetSupportSource(SupportSource* source) {
-  state_->SetSupportSource(*this, source);
+  state_.load()->SetSupportSource(*this, source);
 }
 
-void CarmaAssociationAlgorithm::SetMaxInStoreSets(int sets) { state_->SetMaxInStoreSets(*this, sets); }
+void CarmaAssociationAlgorithm::SetMaxInStoreSets(int sets) { state_.load()->SetMaxInStoreSets(*this, sets); }
 
 KorStatus CarmaAssociationAlgorithm::RunPhaseI(int transactions) {
-  return transactions > 0 ? state_->RunPhaseI(*this, transactions) : KorStatus();
+  return transactions > 0 ? state_.load()->RunPhaseI(*this, transactions) : KorStatus();
 }
 
 KorStatus CarmaAssociationAlgorithm::RunPhaseII() {
-  state_->EndPhaseI(*this);  // refused when phase I has ended already
-  return state_->RunPhaseII(*this);
+  state_.load()->EndPhaseI(*this);  // refused when phase I has ended already
+  return state_.load()->RunPhaseII(*this);
 }
 
 KorStatus CarmaAssociationAlgorithm::RunPhaseIIcomplete(double minSupport) {
-  state_->EndPhaseI(*this);
-  return state_->RunPhaseIIcomplete(*this, minSupport);
+  state_.load()->EndPhaseI(*this);
+  return state_.load()->RunPhaseIIcomplete(*this, minSupport);
 }
 
 KorStatus CarmaAssociationAlgorithm::RunPhaseIIrandom() {
-  state_->EndPhaseI(*this);
-  return state_->RunPhaseIIrandom(*this);
+  state_.load()->EndPhaseI(*this);
+  return state_.load()->RunPhaseIIrandom(*this);
 }
 
 KorStatus CarmaAssociationAlgorithm::RunNullPhaseII(double fraction) {
   if (!cancelRequested_) {
-    const KorStatus ended = state_->EndPhaseI(*this);
+    const KorStatus ended = state_.load()->EndPhaseI(*this);
     if (!ended.IsOK()) return ended;
     changeState(PhaseIIContext::instance());
-    const KorStatus result = state_->RunNullPhaseII(*this, fraction);
+    const KorStatus result = state_.load()->RunNullPhaseII(*this, fraction);
     if (result.IsOK() || result.GetCode() != 1) return result;
   }
   doCancel();
@@ -90,7 +90,7 @@ KorStatus CarmaAssociationAlgorithm::RunNullPhaseII(double fraction) {
 // A copy of a query with many arguments would take memory, and where it is made nothing is caught.
 template <typename Query>
 KorStatus CarmaAssociationAlgorithm::ask(Operation operation, const Query& query) {
-  return state_->Ask(*this, operation, std::cref(query));
+  return state_.load()->Ask(*this, operation, std::cref(query));
 }
 
 KorStatus CarmaAssociationAlgorithm::CreateNgetRules(double minSupport, double minConfidence,
@@ -135,7 +135,7 @@ KorStatus CarmaAssociationAlgorithm::GetItems(ItemSet* antecedent, int maxItems,
   });
 }
 
-SemiLattice* CarmaAssociationAlgorithm::GetLattice() { return state_->GetLattice(*this); }
+SemiLattice* CarmaAssociationAlgorithm::GetLattice() { return state_.load()->GetLattice(*this); }
 
 KorStatus CarmaAssociationAlgorithm::ExportRulesXML(std::ostream& out, double minSupport,
                                                     double minConfidence, bool nonRedundant) {
@@ -153,7 +153,7 @@ KorStatus CarmaAssociationAlgorithm::ExportLatticeXML(std::ostream& out) {
 
 KorStatus CarmaAssociationAlgorithm::GetStatus() const { return currentStatus_; }
 
-double CarmaAssociationAlgorithm::AverageSupport() const { return state_->AverageSupport(*this); }
+double CarmaAssociationAlgorithm::AverageSupport() const { return state_.load()->AverageSupport(*this); }
 
 bool CarmaAssociationAlgorithm::IsLatticeBuilt() const {
   return dictionary_ && dictionary_->isLatticeBuilt();

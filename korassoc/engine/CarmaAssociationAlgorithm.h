@@ -243,5 +243,5 @@ class KORASSOC_EXPORT CarmaAssociationAlgorithm {
   std::unique_ptr<SetDictionary> retiredDictionary_;
   std::unique_ptr<CeilArray> retiredCeilings_;
   KorAssoc::KorStatus currentStatus_;
-  const CarmaContext* state_;  // never null
+  std::atomic<const CarmaContext*> state_;  // never null; a cancel may ask it from another thread
 };
