@@ -181,7 +181,7 @@ KorStatus CarmaAssociationAlgorithm::save(std::ostream& stream, const char* fail
     stream.flush();
     require(stream.good());
   });
-  if (!saved) std::cout << failure;
+  if (!saved) completes([failure] { std::cout << failure; });  // who let it throw has the status all the same
   if (state_ != &CarmaSaveContext::instance())
     return currentStatus_;  // cancelled by a callback of the stream
   changeState(before);

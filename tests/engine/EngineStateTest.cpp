@@ -24,6 +24,7 @@
 #include "tests/support/RecordStream.h"
 #include "tests/support/StreamCapture.h"
 #include "tests/support/TemporaryFile.h"
+#include "tests/support/ThrowingOutput.h"
 
 namespace {
 
@@ -405,6 +406,19 @@ TEST(SaveState, TellsAStreamThatFails) {
   const TemporaryFile file;
   std::fstream stream = file.writer();
   EXPECT_EQ(shortForm(run.engine->SaveState(stream)), "OK") << "a better stream will do";
+}
+
+TEST(SaveState, TellsAStreamThatFailsAlsoWhenItsMessageCannotBeWritten) {
+  Running run;
+  run.engine->RunPhaseI(10);
+  std::fstream closed;
+  {
+    const ThrowingOutput output(std::cout);
+    std::string status;
+    EXPECT_NO_THROW(status = shortForm(run.engine->SaveState(closed)));
+    EXPECT_EQ(status, "E2");
+  }
+  EXPECT_EQ(shortForm(run.engine->RunPhaseII()), "OK") << "the engine has left the state of a save";
 }
 
 TEST(SaveState, TellsADiskThatFillsUpAnywhere) {

@@ -1,12 +1,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cmath>
 #include <functional>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -17,6 +19,7 @@
 #include "tests/support/EngineTestAccess.h"
 #include "tests/support/Hosts.h"
 #include "tests/support/StreamCapture.h"
+#include "tests/support/ThrowingOutput.h"
 #include "tests/support/VectorTransactions.h"
 
 namespace {
@@ -274,6 +277,16 @@ TEST(RunPhaseI, CatchesWhatTheCallbacksOfTheHostThrow) {
   }
 }
 
+TEST(RunPhaseI, AnswersAlsoWhenItsMessageCannotBeWritten) {
+  EngineHost run(repeated({1}, 10));
+  run.source.throwInNextAt = 4;
+  const ThrowingOutput output(std::cout);
+  std::string status;
+  EXPECT_NO_THROW(status = shortForm(run.engine->RunPhaseI(10)));
+  EXPECT_EQ(status, "W40001");
+  EXPECT_EQ(shortForm(run.engine->GetStatus()), "W40001");
+}
+
 TEST(RunPhaseI, SendsItsLastReportAlsoAfterAFailure) {
   EngineHost run(repeated({1}, 10));
   run.source.throwInNextAt = 4;
@@ -318,6 +331,28 @@ TEST(Cancel, StopsPhaseIAtItsNextTransaction) {
   const StreamCapture output(std::cout);
   run.engine->DisplayDictInfo();
   EXPECT_EQ(output.text(), "");
+}
+
+TEST(Cancel, MayComeFromAnotherThread) {
+  struct EndlessSource : VectorTransactions {
+    EndlessSource() : VectorTransactions(Transactions{{1}}) {}
+    Transaction* Next() override {
+      read.store(true);
+      Restart();
+      return VectorTransactions::Next();
+    }
+    bool HasNext() override { return true; }
+    std::atomic<bool> read = false;
+  };
+  auto settings = settingsWithSupport(0.5);
+  EndlessSource source;
+  CarmaAssociationAlgorithm engine(settings.get(), &source);
+  std::thread canceller([&] {
+    while (!source.read.load()) std::this_thread::yield();
+    engine.Cancel();
+  });
+  EXPECT_EQ(shortForm(engine.RunPhaseI(2147483647)), "W1");
+  canceller.join();
 }
 
 TEST(Cancel, BeforePhaseICancelsItAtItsFirstTransaction) {
