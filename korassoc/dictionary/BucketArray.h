@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <map>
 #include <utility>
@@ -62,17 +63,40 @@ class BucketArray {
   static constexpr std::size_t kAlwaysDense = 1U << 18;  // 2 MiB of heads
   static constexpr std::size_t kBucketsPaidByANode = 64;
 
-  // The nodes lie scattered, so they are fetched a little ahead.
+  // The nodes lie scattered, so the chains of a group are fetched side by side before they are visited: one
+  // after the other, each node would be waited for.
   template <typename Dense, typename Sparse, typename Visitor>
   static void visitHeads(Dense& dense, Sparse& sparse, Visitor& visit) {
-    constexpr std::size_t kAhead = 12;
     const std::size_t size = dense.size();
-    for (std::size_t i = 0; i < size; ++i) {
-      if (i + kAhead < size) prefetch(dense[i + kAhead]);
-      visit(dense[i]);
+    for (std::size_t i = 0; i < size; i += kGroup) {
+      const std::size_t end = std::min(i + kGroup, size);
+      fetchChains(dense.data() + i, end - i);
+      for (std::size_t k = i; k < end; ++k) visit(dense[k]);
     }
     for (auto& [index, head] : sparse) visit(head);
   }
+
+  static void fetchChains(Node* const* heads, std::size_t count) {
+    constexpr std::size_t kDeepest = 64;  // beyond, what was fetched first would have to go
+    std::array<const Node*, kGroup> nodes;
+    std::size_t open = 0;
+    const auto reach = [&nodes](std::size_t place, const Node* node) {
+      if (node == nullptr) return false;
+      nodes[place] = node;
+      prefetch(node);
+      prefetch(reinterpret_cast<const char*>(node) + kNodeReach);
+      return true;
+    };
+    for (std::size_t i = 0; i < count; ++i) open += reach(open, heads[i]) ? 1 : 0;
+    for (std::size_t depth = 1; open > 0 && depth < kDeepest; ++depth) {
+      std::size_t stillOpen = 0;
+      for (std::size_t i = 0; i < open; ++i) stillOpen += reach(stillOpen, nodes[i]->next) ? 1 : 0;
+      open = stillOpen;
+    }
+  }
+
+  static constexpr std::size_t kGroup = 32;
+  static constexpr std::size_t kNodeReach = 64;  // what lies beside the node is looked at, too
 
   void makeDense() {
     std::vector<Node*> heads(size_, nullptr);

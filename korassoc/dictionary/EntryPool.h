@@ -19,6 +19,8 @@ namespace korassoc::detail {
 //
 //   block   entry (key, descriptor, next, number) | CarmaSetDescriptor | ItemSet with up to four items
 //
+//   free_   the blocks given back since sortFree(), the last first; then those of freeBits_, from cursor_ on
+//
 // Sets come and go by the million while transactions are read; blocks that are given back are used again, and
 // the blocks themselves lie together in chunks of 16, 32, ... 4096, 4096, ... blocks. Their numbers, which
 // take half the room of a pointer, go on from chunk to chunk. Ownership: owns the blocks until it is
@@ -32,7 +34,7 @@ class EntryPool {
 
   // Makes room for one entry more; take() does not fail then.
   void makeRoom() {
-    if (free_ == nullptr) addChunk();
+    if (free_ == nullptr && !findFree()) addChunk();
   }
   // An entry whose key and descriptor are its block's own, with these values.
   Entry* take(ItemSet&& set, const CarmaSetDescriptor& descriptor) {
@@ -50,26 +52,15 @@ class EntryPool {
   // Takes back an entry of this pool.
   void give(Entry* entry) {
     static_cast<Block*>(entry)->set = ItemSet();  // items on the heap, if any
-    entry->key = nullptr;
+    freeBits_[entry->number / kBits] |= bitOf(entry->number);
     entry->next = free_;
     free_ = entry;
-    ++given_;
   }
-  // To be called when many blocks have been given back. Lets the free blocks be handed out in the order in
-  // which they lie, which is the fastest to fill, if enough have been given since it was last done: it takes
-  // a look at every block.
-  void orderFreeBlocks() {
-    if (4 * given_ < blocks_) return;
-    given_ = 0;
+  // To be called when many blocks have been given back: lets the free ones be handed out in the order in
+  // which they lie, which is the fastest to fill.
+  void sortFree() {
     free_ = nullptr;
-    for (auto chunk = chunks_.rbegin(); chunk != chunks_.rend(); ++chunk) {
-      for (std::uint32_t i = chunk->size; i > 0; --i) {
-        Block& block = chunk->blocks[i - 1];
-        if (block.key != nullptr) continue;
-        block.next = free_;
-        free_ = &block;
-      }
-    }
+    cursor_ = 0;
   }
 
   // The entry of the block of this number.
@@ -90,7 +81,7 @@ class EntryPool {
 
  private:
   struct Block : Entry {
-    Block() : Entry{nullptr, nullptr, nullptr, 0, true} {}  // a free block has no key
+    Block() : Entry{nullptr, nullptr, nullptr, 0, true} {}
     CarmaSetDescriptor counter;  // within the first cache line, where the block begins with one
     ItemSet set;
   };
@@ -98,25 +89,42 @@ class EntryPool {
   Block* takeBlock(ItemSet&& set) {
     makeRoom();
     Block* block = static_cast<Block*>(free_);
-    free_ = block->next;
+    if (block != nullptr) {
+      free_ = block->next;
+    } else {
+      const int bit = std::countr_zero(freeBits_[cursor_]);
+      block = static_cast<Block*>(
+          at(static_cast<std::uint32_t>(cursor_ * kBits) + static_cast<std::uint32_t>(bit)));
+    }
+    freeBits_[block->number / kBits] &= ~bitOf(block->number);
     block->set = std::move(set);
     block->key = &block->set;
     block->next = nullptr;
     return block;
   }
 
+  // Moves the cursor to the next word of free blocks. False when there is none: all others are in the chain.
+  bool findFree() {
+    while (cursor_ < freeBits_.size() && freeBits_[cursor_] == 0) ++cursor_;
+    return cursor_ < freeBits_.size();
+  }
+
   void addChunk() {
     const std::uint32_t size =
         chunks_.empty() ? kFirstChunk : std::min(2 * chunks_.back().size, kLargestChunk);
+    freeBits_.resize((blocks_ + size + kBits - 1) / kBits);
     chunks_.push_back({std::make_unique<Block[]>(size), size});
-    for (std::uint32_t i = size; i > 0; --i) {
-      Block& block = chunks_.back().blocks[i - 1];
-      block.number = blocks_ + i - 1;
-      block.next = free_;
-      free_ = &block;
+    for (std::uint32_t i = 0; i < size; ++i) {
+      const std::uint32_t number = blocks_ + i;
+      chunks_.back().blocks[i].number = number;
+      freeBits_[number / kBits] |= bitOf(number);
     }
+    cursor_ = blocks_ / kBits;
     blocks_ += size;
   }
+
+  static constexpr std::uint32_t kBits = 64;
+  static std::uint64_t bitOf(std::uint32_t number) { return std::uint64_t{1} << (number % kBits); }
 
   static constexpr std::uint32_t kFirstChunk = 16;
   static constexpr std::uint32_t kLargestChunk = 4096;
@@ -128,8 +136,9 @@ class EntryPool {
   };
   std::vector<Chunk> chunks_;
   std::uint32_t blocks_ = 0;  // in all chunks
-  std::size_t given_ = 0;     // back, since they were last put in order
   Entry* free_ = nullptr;
+  std::vector<std::uint64_t> freeBits_;  // one for each block, set while it is free
+  std::size_t cursor_ = 0;               // where in freeBits_ the search for a free block goes on
 };
 
 }  // namespace korassoc::detail

@@ -155,9 +155,16 @@ void HashTable::enroll(Entry* entry, std::uint64_t code) {
   index_.add(code, entry->number);
 }
 
+void HashTable::enroll(Entry* entry) { enroll(entry, codeOf(*entry->key)); }
+
 void HashTable::strike(const Entry& entry) {
   index_.remove(codeOf(*entry.key), entry.number);
   if (!entry.pooled) others_.remove(entry.number & ~kElsewhere);
+}
+
+void HashTable::forgetAll() {
+  index_.empty();
+  others_.clear();
 }
 
 // Puts an entry at the head of its chain.
@@ -226,17 +233,6 @@ HashTable::Entry* HashTable::unlink(Entry** link) {
   strike(*entry);
   --count_;
   return entry;
-}
-
-void HashTable::forget(const Entry* removed, int count) {
-  count_ -= count;
-  if (count <= count_) {
-    for (const Entry* entry = removed; entry != nullptr; entry = entry->next) strike(*entry);
-    return;
-  }
-  index_.empty();  // the shorter way when fewer remain
-  others_.clear();
-  forEach([this](Entry& entry) { enroll(&entry, codeOf(*entry.key)); });
 }
 
 void HashTable::release(Entry* entry) {

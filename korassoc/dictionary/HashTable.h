@@ -124,33 +124,29 @@ class KORASSOC_EXPORT HashTable {
   }
 
   // Removes every entry for which drop(Entry&) answers true and hands it to discard(Entry*), in table order.
-  // drop must not throw, nor change the table.
+  // Neither may throw, nor ask or change the table.
   template <typename Drop, typename Discard>
   void sweep(Drop&& drop, Discard&& discard) {
-    Entry* removed = nullptr;
-    Entry** end = &removed;
-    int count = 0;
+    const bool rebuilds = lastSweepTookMost_;  // the index: the shorter way when fewer remain than go
+    if (rebuilds) forgetAll();
+    int removed = 0;
     buckets_.forEachHead([&](Entry*& head) {
-      Entry** link = &head;
-      while (*link != nullptr) {
-        if (drop(**link)) {
-          *end = *link;
-          *link = (*link)->next;
-          end = &(*end)->next;
-          ++count;
-        } else {
-          link = &(*link)->next;
+      for (Entry** link = &head; *link != nullptr;) {
+        Entry* entry = *link;
+        if (!drop(*entry)) {
+          if (rebuilds) enroll(entry);
+          link = &entry->next;
+          continue;
         }
+        if (!rebuilds) strike(*entry);
+        *link = std::exchange(entry->next, nullptr);
+        discard(entry);
+        ++removed;
       }
     });
-    *end = nullptr;
-    forget(removed, count);
-    while (removed != nullptr) {
-      Entry* entry = removed;
-      removed = std::exchange(entry->next, nullptr);
-      discard(entry);
-    }
-    pool_->orderFreeBlocks();
+    count_ -= removed;
+    lastSweepTookMost_ = removed > count_;
+    if (removed > 0) pool_->sortFree();
   }
 
   // The record in a binary state: "HT", the number of entries, then the records of key and descriptor of
@@ -184,8 +180,6 @@ class KORASSOC_EXPORT HashTable {
   Entry** linkTo(const Entry& entry);
   // Removes the entry whose link is given: *link becomes the next of the chain.
   Entry* unlink(Entry** link);
-  // Takes a chain of so many entries, which are in no bucket any more, out of the index.
-  void forget(const Entry* removed, int count);
   static void deleteKey(Entry& entry);
   void rehash();
   void setBucketCount(int count);
@@ -194,8 +188,10 @@ class KORASSOC_EXPORT HashTable {
   void takeOver(Entry* first, int entries);
   Entry*& makeRoom(int hash, int others);
   Entry* entryAt(std::uint32_t number) const;
+  void enroll(Entry* entry);
   void enroll(Entry* entry, std::uint64_t code);
   void strike(const Entry& entry);
+  void forgetAll();
   void hang(Entry* entry, Entry*& head, std::uint64_t code);
 
   static constexpr float kLoadFactor = 0.75F;
@@ -205,6 +201,7 @@ class KORASSOC_EXPORT HashTable {
   int count_ = 0;
   int threshold_ = 0;
   int modCount_ = 0;
+  bool lastSweepTookMost_ = false;
   int freeCount_ = 0;           // entries in it: enough to evict and add by turns
   Entry* freeNodes_ = nullptr;  // a chain of entries without contents
   korassoc::detail::EntryIndex<Entry> index_;
