@@ -46,6 +46,7 @@ void LatticeGraph::readCounts() {
   counts_.resize(descriptors_.size());
   std::transform(descriptors_.begin(), descriptors_.end(), counts_.begin(),
                  [](const SetCounter* descriptor) { return descriptor != nullptr ? descriptor->count : 0; });
+  for (UpLink& link : up_) link.count = link.node != kNone ? count(link.node) : 0;
 }
 
 void LatticeGraph::addLevel(const HashTable& table, int level) {
@@ -100,7 +101,7 @@ void LatticeGraph::linkUp() {
     const std::size_t count = upBegins_[node + 1] - upBegins_[node];
     if (count == 0) continue;
     const int* items = static_cast<const LatticeSetDescriptor*>(descriptors_[node])->adjacent.data;
-    for (std::size_t i = 0; i < count; ++i) up_[upBegins_[node] + i] = {items[i], kNone};
+    for (std::size_t i = 0; i < count; ++i) up_[upBegins_[node] + i] = {items[i], kNone, 0};
   }
   // In the order of the nodes, the supersets of a set come in the order of the item that they add.
   std::vector<std::size_t> next(upBegins_.begin(), upBegins_.end() - 1);

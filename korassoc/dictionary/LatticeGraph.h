@@ -21,12 +21,13 @@ namespace korassoc::detail {
 //   node     0    1   2   3    4     5   ...       0 is the empty set, when it is stored
 //   set      {}   1   3   8   1 3   3 8
 //   down     for each item of the set, in order: the node of the set without it
-//   up       for each item by which a lattice set can be extended, in order: that item and the node with it
+//   up       for each item by which a lattice set can be extended, in order: that item, the node with it, its
+//   count
 //
 // A link to a set that is not stored leads to kNone. Counts are copies, for the descriptors lie scattered in
 // memory; who counts has to see to it that they are read again (SetDictionary::graph() does).
 // The dictionary must not gain or lose sets or links while the graph is used.
-// Memory: about 80 bytes a set and 16 for each of its items. Cost of making it: linear in both, but for
+// Memory: about 80 bytes a set and 20 for each of its items. Cost of making it: linear in both, but for
 // sorting the sets.
 class LatticeGraph {
  public:
@@ -35,6 +36,7 @@ class LatticeGraph {
   struct UpLink {
     int item;
     int node;
+    int count;  // that of the node, beside it since the nodes lie scattered; 0 for kNone
   };
 
   // Marks that go back to the graph when they are let go, which must be before the graph is.
@@ -64,7 +66,7 @@ class LatticeGraph {
   SetCounter* descriptor(int node) const { return descriptors_[static_cast<std::size_t>(node)]; }
   // Transactions; 0 for a set without descriptor.
   int count(int node) const { return counts_[static_cast<std::size_t>(node)]; }
-  // Copies the counts of the descriptors. Cost: O(size()).
+  // Copies the counts of the descriptors. Cost: O(size()) and the links.
   void readCounts();
   int length(int node) const { return static_cast<int>(down(node).size()); }
   std::span<const int> down(int node) const { return links(down_, downBegins_, node); }

@@ -1,6 +1,7 @@
 #include "korassoc/rules/BestConsequents.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace korassoc::detail {
 
@@ -39,7 +40,10 @@ void BestConsequents::cut() {
 
 // One less than the exact figure, so that rounding lets nothing be lost; most offers need no division then.
 void BestConsequents::setLeastCount() {
-  if (wanted_ != kAll) leastCount_ = threshold_ * subsetCount_ - 1.0;
+  constexpr double kLowest = std::numeric_limits<int>::min();
+  constexpr double kHighest = std::numeric_limits<int>::max();
+  if (wanted_ == kAll) return;
+  leastCount_ = static_cast<int>(std::clamp(std::floor(threshold_ * subsetCount_ - 1.0), kLowest, kHighest));
 }
 
 }  // namespace korassoc::detail

@@ -30,10 +30,11 @@ class BestConsequents {
     subsetCount_ = count;
     setLeastCount();
   }
+  // Offers of fewer transactions with the subset and the item need not be made: they change nothing.
+  int leastCount() const { return leastCount_; }
   // both: transactions with the subset and the item. Items ascend from one call to the next, up to
   // endSubset().
   void offer(int item, int both) {
-    if (both < leastCount_) return;
     const double confidence = both / subsetCount_;
     if (confidence < threshold_) return;
     offers_.push_back({item, both, confidence});
@@ -54,7 +55,7 @@ class BestConsequents {
   std::size_t wanted_;
   double threshold_ = -std::numeric_limits<double>::infinity();  // no item below it is among the wanted ones
   double subsetCount_ = 0.0;
-  double leastCount_ = threshold_;   // what is below it is below the threshold too
+  int leastCount_ = std::numeric_limits<int>::min();
   std::vector<ItemFigures> best_;    // by item
   std::vector<ItemFigures> offers_;  // by item, not yet in best_
   std::vector<ItemFigures> merged_;

@@ -17,11 +17,6 @@ namespace korassoc::detail {
 
 namespace {
 
-// The count of the set that a link leads to; one that is not stored has none.
-int linkedCount(const LatticeGraph& graph, int node) {
-  return node != LatticeGraph::kNone ? graph.count(node) : 0;
-}
-
 int storedNode(int node) {
   if (node == LatticeGraph::kNone) throw std::logic_error("a link of the lattice leads nowhere");
   return node;
@@ -68,9 +63,10 @@ std::vector<ConsequentDescriptor> bestOfSubsets(const LatticeGraph& graph, const
     best.beginSubset(graph.count(node));
     const int* given = antecedent.getTheArray();
     for (const LatticeGraph::UpLink& link : graph.up(node)) {
+      if (link.count < best.leastCount()) continue;
       while (given != end && *given < link.item) ++given;
       if (given != end && *given == link.item) continue;
-      best.offer(link.item, linkedCount(graph, link.node));
+      best.offer(link.item, link.count);
     }
     best.endSubset();
   }

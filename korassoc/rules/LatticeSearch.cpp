@@ -33,7 +33,7 @@ std::vector<int> LatticeSearch::climb(std::vector<int> level, std::vector<int> f
       for (const LatticeGraph::UpLink& link : graph_.up(node)) {
         if (link.node == LatticeGraph::kNone) continue;
         if (allowed != nullptr && !allowed->hasItem(link.item)) continue;
-        if (met->mark(link.node) && graph_.count(link.node) >= bounds.minCount && hasDescriptor(link.node)) {
+        if (met->mark(link.node) && link.count >= bounds.minCount && hasDescriptor(link.node)) {
           next.push_back(link.node);
         }
       }
@@ -100,7 +100,7 @@ double LatticeSearch::support(const ItemSet& base, int k, int transactionCount) 
         std::cout << "Bad Counter in findSupport for the set";
         ItemSet(graph_.set(node), link.item).display();
       } else if (!isTaken->isMarked(link.node)) {
-        queue.push(link.node, graph_.count(link.node));
+        queue.push(link.node, link.count);
       }
     }
   }

@@ -130,8 +130,7 @@ std::optional<int> RuleCreation::largerCount(int whole) {
   std::optional<int> largest;
   for (const LatticeGraph::UpLink& link : graph_.up(whole)) {
     if (link.node == LatticeGraph::kNone) continue;
-    const int count = graph_.count(link.node);
-    if (count >= minCount_ && (!largest || count > *largest)) largest = count;
+    if (link.count >= minCount_ && (!largest || link.count > *largest)) largest = link.count;
   }
   return largest;
 }
