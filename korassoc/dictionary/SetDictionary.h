@@ -115,15 +115,19 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   // stored already.
   virtual bool addEmptySet(SetCounter* descriptor);
 
+  // Whether the set is stored; false above maxLevel(). level is the set's length. One-item sets are looked
+  // for on disk too, which may throw an IOException as a pointer when the file cannot be read.
   virtual bool containsSet(const ItemSet* set, int level);
   virtual bool containsSet(const ItemSet* set);
   virtual bool containsSet(const OrderedArray& values, const OrderedArray& index);
   virtual bool containsSet(const OrderedArray& set);
 
-  // Counts the set when it was stored after this transaction; false when it is not stored.
+  // Adds one to the set's count when it was stored after this transaction (a number, from 1) and sets are not
+  // spilled to disk. False when it is not stored.
   virtual bool incrementIfBeforeTID(const OrderedArray& values, const OrderedArray& index, int transaction);
 
-  // The descriptor of a stored set, or null. Of a set on disk: a counter valid until the next call. Queries
+  // The descriptor of a stored set, or null; it stays the dictionary's, and is valid until the set leaves
+  // memory or its descriptor is replaced. Of a set on disk: a counter valid until the next call. Queries
   // work on copies of the counts: who changes one after a query asks for the descriptor anew.
   virtual SetCounter* getDescriptor(const int* items, int n);
   virtual SetCounter* getDescriptor(int item);
@@ -179,16 +183,25 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   int removeSmall(int level, double minCount);
 
   // --- Item bits: which items occur in stored sets ---
+  // Items share a bit with those that are equal to them modulo 368639.
   void markItems(const ItemSet* set);
+  // The items of all sets in memory of one level, 0 <= level.
   void clearLevelBits(int level);
   void markLevelBits(int level);
   bool isMarked(int item) const { return itemBits_->test(itemBit(item)); }
 
   // --- Lattice ---
+  // Gives every set of the consecutive levels a lattice descriptor with its links; without an empty set one
+  // is made with the largest count. A subset that is not stored is reported on the standard output and its
+  // link left out. Cost: O(sets times their length).
   void buildLattice();
+  // Takes out of a set's links those to sets that are not stored any more. A set without lattice descriptor
+  // is reported on the standard output.
   void pruneAdjacent(const ItemSet* set);
+  // pruneAdjacent() for every set of the consecutive levels.
   void rebuildLinks();
-  // Sets every count and max missed to 0. Returns the number of sets reset.
+  // Sets every count and max missed in the consecutive levels to 0 and leaves the links. Returns the number
+  // of sets reset; one without descriptor is reported on the standard output.
   int resetAllCounts();
 
   // Holds exactly these sets from then on, as a built lattice: what was stored before is given up. The sets
@@ -204,6 +217,7 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   KorAssoc::KorStatus takeTransactionCount(int n);
 
   // --- Memory limit ---
+  // Makes the spill store on the settings' file, in place of one that there may be.
   void createSpillStore();
   // The queue of sets that may leave: to its end; the first of it, out of it, or null; out of it, if in it.
   void queuePush(ItemSet* set);
