@@ -75,7 +75,7 @@ bool FilteredRuleCreation::findAntecedents(const std::vector<int>& candidates, A
   for (int i = 0; goesOn && i < total; ++i) {
     const int whole = candidates[static_cast<std::size_t>(i)];
     goesOn = findAntecedentsOf(whole, tables.antecedents);
-    if (interval > 0 && i % interval == 0) report(i + 1, total);
+    if (interval != 0 && i % interval == 0) report(i + 1, total);
     if (goesOn) tables.close(whole);
   }
   report(total, total);

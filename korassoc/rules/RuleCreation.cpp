@@ -90,12 +90,12 @@ bool RuleCreation::findAntecedents(const std::vector<int>& frequent, AntecedentT
     const int whole = frequent[static_cast<std::size_t>(searched)];
     // A set without descriptor ends the work as a stop does, but without the flag.
     goesOn = graph_.descriptor(whole) != nullptr && findAntecedentsOf(whole, filter, tables.antecedents);
-    if (interval > 0 && searched % interval == 0) report(searched + 1, total);
+    if (interval != 0 && searched % interval == 0) report(searched + 1, total);
     if (!goesOn) break;
     tables.close(whole);
     ++searched;
   }
-  if (interval <= 0 || searched % interval != 1) report(searched, total);
+  if (interval == 0 || searched % interval != 1) report(searched, total);
   return goesOn;
 }
 

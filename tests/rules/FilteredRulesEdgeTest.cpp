@@ -233,7 +233,8 @@ TEST_F(FilteredRulesEdge, ReportsEveryIntervalAndAlwaysAtTheEnd) {
     Reports reports;
   };
   for (const Case& c : {Case{1, {{1, 4}, {2, 4}, {3, 4}, {4, 4}, {4, 4}}}, Case{2, {{1, 4}, {3, 4}, {4, 4}}},
-                        Case{3, {{1, 4}, {4, 4}, {4, 4}}}, Case{100, {{1, 4}, {4, 4}}}, Case{0, {{4, 4}}}}) {
+                        Case{3, {{1, 4}, {4, 4}, {4, 4}}}, Case{100, {{1, 4}, {4, 4}}}, Case{0, {{4, 4}}},
+                        Case{-2, {{1, 4}, {3, 4}, {4, 4}}}}) {
     lattice.settings.SetReportFrequency(c.interval);
     Reports reports;
     TestListener listener([&](ProgressReport& report) {

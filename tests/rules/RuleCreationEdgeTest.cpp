@@ -159,7 +159,9 @@ TEST_F(RuleCreationEdge, ReportsEveryIntervalAndAtTheEnd) {
                         {7, {{1, 8}, {8, 8}}},
                         {8, {{1, 8}, {8, 8}}},
                         {1000, {{1, 8}, {8, 8}}},
-                        {4, {{1, 8}, {5, 8}, {8, 8}}}};
+                        {4, {{1, 8}, {5, 8}, {8, 8}}},
+                        {-4, {{1, 8}, {5, 8}, {8, 8}}},
+                        {0, {{8, 8}}}};
   for (const Case& c : cases) {
     settings.SetReportFrequency(c.interval);
     build();
