@@ -170,6 +170,33 @@ TEST(Mine, LeavesOutWhatALargerConsequentSays) {
   EXPECT_EQ(rules(mine({"-s", "60%", "-c", "100%"}, triple)).size(), 12U);
 }
 
+// The same twelve rules with the lengths of their sides bounded.
+TEST(Mine, BoundsTheLengthsOfBothSides) {
+  const std::string triple = tenTimes("a b c\na b c\na b c\nd\n");
+  struct Case {
+    std::vector<std::string> options;
+    std::size_t rules;
+  };
+  const Case cases[] = {{{"--lhs-len", "1"}, 9},
+                        {{"--lhs-len", "2"}, 3},
+                        {{"--lhs-len", "2:"}, 3},
+                        {{"--lhs-len", "1:2"}, 12},
+                        {{"--lhs-len", "3:9"}, 0},
+                        {{"--lhs-len", "0"}, 7},  // {} => {a} to {} => {a, b, c}, with 75%
+                        {{"--lhs-len", "0:1"}, 16},
+                        {{"--rhs-len", "1"}, 9},
+                        {{"--rhs-len", "2:"}, 3},
+                        {{"--rhs-len", "3"}, 0},
+                        {{"--lhs-len", "1", "--rhs-len", "1"}, 6},
+                        {{"--lhs-len", "2", "--rhs-len", "2"}, 0},
+                        {{"--minimal"}, 3}};
+  for (const Case& c : cases) {
+    std::vector<std::string> options = {"-s", "60%", "-c", "70%"};
+    options.insert(options.end(), c.options.begin(), c.options.end());
+    EXPECT_EQ(rules(mine(options, triple)).size(), c.rules) << c.options[0] << " " << c.options.back();
+  }
+}
+
 TEST(Mine, FiltersBySidesAndFigures) {
   struct Case {
     std::vector<std::string> options;
