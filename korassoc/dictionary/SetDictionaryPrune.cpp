@@ -36,7 +36,7 @@ int SetDictionary::removeSmall(int level, double minCount) {
         },
         [&](HashTable::Entry* entry) {
           discard(entry, *table);
-          --inStoreCount_;
+          if (inStoreCount_ > 0) --inStoreCount_;  // a restored count may be too small
           ++removed;
         });
   }

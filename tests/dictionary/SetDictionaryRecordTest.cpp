@@ -225,6 +225,8 @@ TEST(SetDictionaryRecord, WithAWildCountOfSetsStillPrunesAndBuildsItsLattice) {
     Store reader(2);
     ASSERT_FALSE(read(reader.dictionary, withInt(10, count)).refused);
     EXPECT_EQ(reader.dictionary.removeSmallSets(7), 2);
+    Store again(2);
+    EXPECT_FALSE(read(again.dictionary, written(reader.dictionary)).refused) << count;
     reader.dictionary.buildLattice();
     EXPECT_EQ(reader.dictionary.getTotalSetCount(), 2);
   }
