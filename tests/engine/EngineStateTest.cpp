@@ -1,30 +1,20 @@
-// Saved states of the whole engine: what they hold, what goes on from them, and what becomes of broken ones.
+// Saved states of the whole engine: what they hold, and what goes on from them.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <functional>
 #include <iostream>
-#include <memory>
 #include <set>
 #include <sstream>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "korassoc/dictionary/HashTable.h"
 #include "korassoc/dictionary/LatticeSetDescriptor.h"
-#include "korassoc/engine/CarmaFailedRestartContext.h"
-#include "korassoc/engine/CarmaSaveContext.h"
 #include "korassoc/engine/PhaseIContext.h"
 #include "korassoc/engine/PhaseIIContext.h"
-#include "tests/support/EngineHost.h"
-#include "tests/support/FailingBuffer.h"
 #include "tests/support/RecordStream.h"
-#include "tests/support/StreamCapture.h"
-#include "tests/support/TemporaryFile.h"
-#include "tests/support/ThrowingOutput.h"
+#include "tests/support/SavedStates.h"
 
 namespace {
 
@@ -32,85 +22,6 @@ using Access = CarmaAssociationAlgorithmTestAccess;
 using Engine = CarmaAssociationAlgorithm;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
-
-// 23 transactions with sets of up to three items, and a support that falls and rises.
-Transactions someTransactions() {
-  Transactions transactions;
-  for (int i = 0; i < 23; ++i) {
-    std::vector<int> items = {1};
-    if (i % 2 == 0) items.push_back(2);
-    if (i % 3 != 0) items.push_back(3);
-    if (i % 5 == 0) items.push_back(40 + i);
-    transactions.push_back(items);
-  }
-  return transactions;
-}
-
-double someSupport(int transaction) { return transaction % 7 < 4 ? 0.3 : 0.2; }
-
-struct Running : EngineHost {
-  Running() : EngineHost(someTransactions()) { support(someSupport); }
-};
-
-template <typename Object, typename Write>
-std::string bytesOf(Object& object, Write&& write) {
-  const TemporaryFile file;
-  std::fstream stream = file.writer();
-  write(object, stream);
-  stream.close();
-  return file.contents();
-}
-
-std::string binaryState(Engine& engine) {
-  return bytesOf(engine, [](Engine& saved, std::fstream& stream) {
-    EXPECT_EQ(shortForm(saved.SaveState(stream)), "OK");
-  });
-}
-
-std::string xmlState(Engine& engine) {
-  std::ostringstream out;
-  EXPECT_EQ(shortForm(engine.SaveStateXML(out)), "OK");
-  return out.str();
-}
-
-// An engine made from the bytes of a state, and what was printed meanwhile.
-struct Restored {
-  enum Format { Binary, Xml };
-
-  Restored(const std::string& state, Format format) : source(someTransactions()) {
-    const TemporaryFile file(state);
-    const StreamCapture out(std::cout);
-    const StreamCapture err(std::cerr);
-    if (format == Binary) {
-      std::fstream stream = file.reader();
-      engine = std::make_unique<Engine>(stream, &source);
-    } else {
-      std::ifstream stream(file.name(), std::ios::binary);
-      engine = std::make_unique<Engine>(stream, &source);
-    }
-    output = out.text();
-    errors = err.text();
-  }
-
-  // The source stands where the saved run left it, with the support of that run.
-  void goOnBehind(int transactions) {
-    for (int i = 0; i < transactions; ++i) source.Next();
-    engine->SetSupportSource(new TestSupport(someSupport));
-  }
-
-  bool unusable() const { return &Access::state(*engine) == &CarmaFailedRestartContext::instance(); }
-
-  VectorTransactions source;
-  std::unique_ptr<Engine> engine;
-  std::string output;
-  std::string errors;
-};
-
-// Where the record of the ceilings starts: 28 bytes for the core and 16 for each chunk come behind its head
-// of 18.
-std::size_t ceilingsAt(const std::string& state, const Engine& engine) {
-  return state.size() - 20 - 18 - 16 * static_cast<std::size_t>(Access::ceilings(engine)->used());
-}
 
 // Everything that the dictionary holds, whatever the order of its tables: a table that was read has another
 // number of buckets.
@@ -308,215 +219,6 @@ TEST(Restore, GoesOnWithoutCeilingsWhenTheirTagIsDamaged) {
   EXPECT_EQ(restored.engine->NumberOfTransactions(), 13);
   restored.goOnBehind(13);
   EXPECT_EQ(shortForm(restored.engine->RunPhaseI(100)), "OK");
-}
-
-TEST(Restore, RefusesCeilingsOutOfOrderWithoutAWord) {
-  Running run;
-  run.engine->RunPhaseI(13);
-  std::string state = binaryState(*run.engine);
-  const std::size_t at = ceilingsAt(state, *run.engine);
-  ASSERT_GE(Access::ceilings(*run.engine)->used(), 2);
-  state.replace(at + 18 + 16, 4, int32Bytes(5));
-  Restored restored(state, Restored::Binary);
-  EXPECT_TRUE(restored.unusable());
-  EXPECT_EQ(shortForm(restored.engine->GetStatus()), "E5");
-  EXPECT_EQ(restored.output + restored.errors, "");
-}
-
-TEST(Restore, RefusesAnXMLStateWithoutItsCeilings) {
-  Running run;
-  run.engine->RunPhaseI(13);
-  std::string state = xmlState(*run.engine);
-  const std::size_t at = state.find("CeilArray");
-  ASSERT_NE(at, std::string::npos);
-  state[at] = 'X';
-  Restored restored(state, Restored::Xml);
-  EXPECT_TRUE(restored.unusable());
-  EXPECT_EQ(shortForm(restored.engine->GetStatus()), "E5");
-  EXPECT_EQ(restored.errors, "Failure reading CeilArray!\n");
-}
-
-TEST(Restore, RefusesAStateCutShortAtEveryByte) {
-  EngineHost host(Transactions{{1, 2}, {1, 2}, {1, 2}});
-  host.engine->RunPhaseI(3);
-  const std::string binary = binaryState(*host.engine);
-  for (std::size_t length = 0; length < binary.size(); ++length) {
-    Restored restored(binary.substr(0, length), Restored::Binary);
-    EXPECT_TRUE(restored.unusable()) << length;
-    EXPECT_EQ(shortForm(restored.engine->GetStatus()), "E5") << length;
-    EXPECT_EQ(restored.engine->NumberOfSets(), -1) << length;
-  }
-  EXPECT_FALSE(Restored(binary, Restored::Binary).unusable());
-  const std::string xml = xmlState(*host.engine);
-  const std::size_t lastValue = xml.rfind("<Int value=\"");
-  for (std::size_t length = 0; length < lastValue; ++length) {
-    EXPECT_TRUE(Restored(xml.substr(0, length), Restored::Xml).unusable()) << length;
-  }
-  EXPECT_FALSE(Restored(xml, Restored::Xml).unusable());
-}
-
-TEST(Restore, RefusesTheOtherFormatAndAnEmptyOrMissingFile) {
-  Running run;
-  run.engine->RunPhaseI(13);
-  EXPECT_TRUE(Restored(xmlState(*run.engine), Restored::Binary).unusable());
-  EXPECT_TRUE(Restored(binaryState(*run.engine), Restored::Xml).unusable());
-  const StreamCapture output(std::cout);
-  const StreamCapture errors(std::cerr);
-  VectorTransactions source;
-  std::fstream closed;
-  EXPECT_EQ(shortForm(Engine(closed, &source).GetStatus()), "E5");
-  std::ifstream closedXML;
-  EXPECT_EQ(shortForm(Engine(closedXML, &source).GetStatus()), "E5");
-}
-
-// Whatever a changed byte makes of a state: it is an engine that works, or one that says that it is unusable.
-TEST(Restore, SurvivesEveryChangedByte) {
-  EngineHost host(Transactions{{1, 2}, {1, 2}, {1, 2}});
-  host.engine->RunPhaseI(3);
-  const std::string binary = binaryState(*host.engine);
-  for (std::size_t at = 0; at < binary.size(); ++at) {
-    for (const char value : {'\x00', '\x01', '\x7f', '\xff'}) {
-      std::string changed = binary;
-      changed[at] = value;
-      Restored restored(changed, Restored::Binary);
-      if (restored.unusable()) {
-        EXPECT_EQ(shortForm(restored.engine->GetStatus()), "E5") << at;
-        continue;
-      }
-      EXPECT_EQ(shortForm(restored.engine->GetStatus()), "OK") << at;
-      const StreamCapture output(std::cout);
-      restored.goOnBehind(0);
-      restored.engine->RunPhaseI(2);
-      restored.engine->RunPhaseII();
-    }
-  }
-}
-
-TEST(SaveState, TellsAStreamThatFails) {
-  Running run;
-  run.engine->RunPhaseI(13);
-  std::fstream closed;
-  closed.setstate(std::ios_base::badbit);
-  const StreamCapture errors(std::cerr);
-  const StreamCapture output(std::cout);
-  EXPECT_EQ(shortForm(run.engine->SaveState(closed)), "E2");
-  EXPECT_EQ(shortForm(run.engine->GetStatus()), "E2");
-  EXPECT_EQ(output.text(), " Error saving to the output stream!\n ");
-  EXPECT_EQ(&Access::state(*run.engine), &PhaseIContext::instance());
-  const TemporaryFile file;
-  std::fstream stream = file.writer();
-  EXPECT_EQ(shortForm(run.engine->SaveState(stream)), "OK") << "a better stream will do";
-}
-
-TEST(SaveState, TellsAStreamThatFailsAlsoWhenItsMessageCannotBeWritten) {
-  Running run;
-  run.engine->RunPhaseI(10);
-  std::fstream closed;
-  {
-    const ThrowingOutput output(std::cout);
-    std::string status;
-    EXPECT_NO_THROW(status = shortForm(run.engine->SaveState(closed)));
-    EXPECT_EQ(status, "E2");
-  }
-  EXPECT_EQ(shortForm(run.engine->RunPhaseII()), "OK") << "the engine has left the state of a save";
-}
-
-TEST(SaveState, TellsADiskThatFillsUpAnywhere) {
-  EngineHost host(Transactions{{1, 2}, {1, 2}, {1, 2}});
-  host.engine->RunPhaseI(3);
-  const std::size_t size = binaryState(*host.engine).size();
-  for (std::size_t room = 0; room < size; ++room) {
-    FailingRecordStream file(room);
-    const StreamCapture output(std::cout);
-    const StreamCapture errors(std::cerr);
-    ASSERT_EQ(shortForm(host.engine->SaveState(file.stream())), "E2") << room;
-    ASSERT_EQ(output.text(), " Error saving to the output stream!\n ") << room;
-    ASSERT_EQ(&Access::state(*host.engine), &PhaseIContext::instance()) << room;
-  }
-  FailingRecordStream file(size);
-  EXPECT_EQ(shortForm(host.engine->SaveState(file.stream())), "OK");
-}
-
-TEST(SaveStateXML, TellsADiskThatFillsUpAnywhere) {
-  EngineHost host(Transactions{{1, 2}, {1, 2}, {1, 2}});
-  host.engine->RunPhaseI(3);
-  const std::size_t size = xmlState(*host.engine).size();
-  for (std::size_t room = 0; room < size; room += room < 200 ? 1 : 37) {
-    FailingBuffer buffer(room);
-    std::ostream stream(&buffer);
-    const StreamCapture output(std::cout);
-    ASSERT_EQ(shortForm(host.engine->SaveStateXML(stream)), "E2") << room;
-    ASSERT_EQ(output.text(), " Error saving to the output xml file!\n ") << room;
-    ASSERT_EQ(&Access::state(*host.engine), &PhaseIContext::instance()) << room;
-  }
-  FailingBuffer buffer(size);
-  std::ostream stream(&buffer);
-  EXPECT_EQ(shortForm(host.engine->SaveStateXML(stream)), "OK");
-}
-
-namespace {
-
-// A stream that calls back before its first character.
-class CallingBuffer : public std::stringbuf {
- public:
-  explicit CallingBuffer(std::function<void()> call) : call_(std::move(call)) {}
-
- protected:
-  int_type overflow(int_type c) override {
-    callOnce();
-    return std::stringbuf::overflow(c);
-  }
-  std::streamsize xsputn(const char* text, std::streamsize size) override {
-    callOnce();
-    return std::stringbuf::xsputn(text, size);
-  }
-
- private:
-  void callOnce() {
-    if (call_) std::exchange(call_, nullptr)();
-  }
-  std::function<void()> call_;
-};
-
-}  // namespace
-
-TEST(SaveStateXML, RefusesWhatItsStreamCallsBack) {
-  Running run;
-  run.engine->RunPhaseI(23);
-  run.engine->RunPhaseII();
-  std::string answers;
-  CallingBuffer buffer([&] {
-    Engine& engine = *run.engine;
-    EXPECT_EQ(&Access::state(engine), &CarmaSaveContext::instance());
-    std::fstream file;
-    std::ostringstream text;
-    TestSupport support(0.5);
-    answers += shortForm(engine.RunPhaseI(1)) + ' ' + shortForm(engine.RunPhaseII()) + ' ' +
-               shortForm(engine.SaveState(file)) + ' ' + shortForm(engine.SaveStateXML(text)) + ' ';
-    EXPECT_GT(engine.AverageSupport(), 0.0);
-    EXPECT_EQ(engine.GetLattice(), nullptr);
-    engine.SetSupportSource(&support);
-    answers += shortForm(engine.GetStatus());
-  });
-  std::ostream stream(&buffer);
-  EXPECT_EQ(shortForm(run.engine->SaveStateXML(stream)), "OK");
-  EXPECT_EQ(answers, "W6 W6 E4 E4 W6");
-  EXPECT_EQ(shortForm(run.engine->GetStatus()), "OK");
-  EXPECT_EQ(&Access::state(*run.engine), &PhaseIIContext::instance());
-  EXPECT_EQ(buffer.str(), xmlState(*run.engine));
-}
-
-TEST(SaveStateXML, SurvivesACancelThatItsStreamCarriesOut) {
-  Running run;
-  run.engine->RunPhaseI(23);
-  CallingBuffer buffer([&] {
-    run.engine->Cancel();
-    EXPECT_EQ(shortForm(run.engine->RunNullPhaseII(0.0)), "E1");
-  });
-  std::ostream stream(&buffer);
-  EXPECT_EQ(shortForm(run.engine->SaveStateXML(stream)), "E1");
-  EXPECT_EQ(run.engine->NumberOfSets(), -1);
-  EXPECT_EQ(shortForm(run.engine->RunPhaseI(1)), "E1");
 }
 
 // In an unbroken run the last support never exceeds the average, and what it would prune is gone already.
