@@ -38,7 +38,7 @@ SetDictionary::SetDictionary(std::vector<std::unique_ptr<HashTable>> levelTables
   maxInStoreSets_ = settings_->GetMaxInStoreSets();
 }
 
-SetDictionary::~SetDictionary() = default;
+SetDictionary::~SetDictionary() { releaseEvicted(); }
 
 int SetDictionary::initialBuckets(int level) const {
   const long long searchSize = settings_->GetInitialBoundarySearchSize();
