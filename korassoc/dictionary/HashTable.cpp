@@ -126,6 +126,10 @@ HashTable::Entry* HashTable::emplace(const ItemSetView& set, std::unique_ptr<Set
   return entry;
 }
 
+HashTable::Entry* HashTable::makeEntry(ItemSet&& set, const CarmaSetDescriptor& descriptor) {
+  return pool_->take(std::move(set), descriptor);
+}
+
 void HashTable::makeRoomFor(const ItemSet& set, int leaving) {
   if (count_ - leaving >= threshold_ && find(&set) != nullptr) return;  // it will be refused: nothing grows
   makeRoom(set.hashcode(), count_ - leaving);

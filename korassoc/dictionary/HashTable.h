@@ -74,6 +74,9 @@ class KORASSOC_EXPORT HashTable {
   Entry* emplace(ItemSet&& set, std::uint64_t code, const CarmaSetDescriptor& descriptor);
   // The same with a descriptor of the caller's, which the table takes over.
   Entry* emplace(const ItemSetView& set, std::unique_ptr<SetCounter> descriptor);
+  // An entry with these values that is not stored yet: what reading a record begins with. To be given back
+  // with release() if it does not come to that.
+  Entry* makeEntry(ItemSet&& set, const CarmaSetDescriptor& descriptor);
   // Makes room for this set, so that a put(), putNew() or emplace() of it that comes next does not fail.
   // leaving: how many entries the caller removes in between.
   void makeRoomFor(const ItemSet& set, int leaving);

@@ -44,7 +44,7 @@ constexpr int kAhead = 16;
 // number that a record claims.
 class EntryList {
  public:
-  explicit EntryList(Entry* first = nullptr) : first_(first) {}
+  explicit EntryList(HashTable& table, Entry* first = nullptr) : table_(table), first_(first) {}
   EntryList(const EntryList&) = delete;
   EntryList& operator=(const EntryList&) = delete;
   ~EntryList() {
@@ -53,23 +53,26 @@ class EntryList {
 
   Entry* front() const { return first_; }
   Entry* popFront() { return std::exchange(first_, first_->next); }
-  void deleteFront() {
-    const Entry* entry = popFront();
-    delete entry->key;
-    delete entry->descriptor;
-    delete entry;
-  }
+  void deleteFront() { table_.release(popFront()); }
+
   void append(std::unique_ptr<ItemSet> set, std::unique_ptr<SetCounter> descriptor) {
-    auto* entry = new Entry{set.get(), descriptor.get(), nullptr};
+    append(new Entry{set.get(), descriptor.get(), nullptr});
     static_cast<void>(set.release());
     static_cast<void>(descriptor.release());
-    (first_ == nullptr ? first_ : last_->next) = entry;
-    last_ = entry;
+  }
+  void append(ItemSet&& set, const CarmaSetDescriptor& descriptor) {
+    append(table_.makeEntry(std::move(set), descriptor));
   }
   // The whole chain; the caller owns it.
   Entry* release() { return std::exchange(first_, nullptr); }
 
  private:
+  void append(Entry* entry) {
+    (first_ == nullptr ? first_ : last_->next) = entry;
+    last_ = entry;
+  }
+
+  HashTable& table_;
   Entry* first_;
   Entry* last_ = nullptr;  // of what was appended
 };
@@ -90,7 +93,8 @@ bool isRightLength(int length, int expected) { return expected == kAnyLength || 
   throw new IOException();
 }
 
-// The usual entry: a set that is not too long, with a descriptor of phase I. Its record is
+// The usual entry: a set that is not too long, with a descriptor of phase I. In the table of one size of
+// sets, which is the dictionary's own, it takes a block of the table's pool. Its record is
 //
 //   "IS:" 0 | length | items ... | "CSD" | count | TID | max missed
 constexpr int kUsualLength = 16;
@@ -135,12 +139,10 @@ bool readUsualEntry(BinaryReader& record, char descriptorType, int setLength, En
   std::array<int, kUsualLength> items;
   for (int i = 0; i < setLength; ++i)
     items[static_cast<std::size_t>(i)] = loadInt32(from + 8 + std::ptrdiff_t{4} * i);
-  auto set = std::make_unique<ItemSet>(items.data(), setLength);
   from += usualSetBytes(setLength) + kUsualTag.size();
-  auto counts =
-      std::make_unique<CarmaSetDescriptor>(loadInt32(from), loadInt32(from + 4), loadInt32(from + 8));
+  entries.append(ItemSet(items.data(), setLength),
+                 CarmaSetDescriptor(loadInt32(from), loadInt32(from + 4), loadInt32(from + 8)));
   record.take(usualBytes(setLength));
-  entries.append(std::move(set), std::move(counts));
   return true;
 }
 
@@ -167,7 +169,12 @@ std::uint64_t readEntryXML(std::ifstream& in, char descriptorType, int setLength
   if (lines == 0 || !isRightLength(set->length(), setLength)) return 0;
   auto descriptor = korassoc::detail::readDescriptorXML(in, descriptorType, lines);
   if (descriptor == nullptr || !KorAssocXML::ParseEndObj(in)) return 0;
-  entries.append(std::move(set), std::move(descriptor));
+  const SetCounter& counts = *descriptor;
+  if (setLength != kAnyLength && typeid(counts) == typeid(CarmaSetDescriptor)) {
+    entries.append(std::move(*set), static_cast<const CarmaSetDescriptor&>(counts));
+  } else {
+    entries.append(std::move(set), std::move(descriptor));
+  }
   return lines + kFrameLines;
 }
 
@@ -235,7 +242,7 @@ std::uint64_t HashTable::readLevel(std::fstream& stream, char descriptorType, in
   const std::uint64_t leastBytes = korassoc::detail::kItemSetHeadBytes +
                                    korassoc::detail::kLeastDescriptorBytes +
                                    4 * static_cast<std::uint64_t>(std::max(setLength, 0));
-  EntryList list;
+  EntryList list(*this);
   std::vector<int> items;
   for (int i = 0; i < entries; ++i) {
     record.expect(static_cast<std::uint64_t>(entries - i) * leastBytes);
@@ -276,7 +283,7 @@ std::uint64_t HashTable::readLevelXML(std::ifstream& in, char descriptorType, in
   }
   deleteContents();
   std::uint64_t lines = kFrameLines + 1;
-  EntryList list;
+  EntryList list(*this);
   for (int i = 0; i < entries; ++i) {
     const std::uint64_t linesOfEntry = readEntryXML(in, descriptorType, setLength, list);
     if (linesOfEntry == 0) return refusedTable("Problem reading Hashtable.\n");
@@ -290,13 +297,15 @@ std::uint64_t HashTable::readLevelXML(std::ifstream& in, char descriptorType, in
 // Fills the table, which is empty, with a chain of so many entries in their order, as put() would; takes the
 // entries over with what they hold.
 void HashTable::takeOver(Entry* first, int entries) {
-  EntryList list(first);
+  EntryList list(*this, first);
   resetBuckets(bucketsFor(entries));
+  index_.makeRoomFor(static_cast<std::size_t>(entries));
   const Entry* ahead = list.front();
   for (int i = 0; i < kAhead && ahead != nullptr; ++i) ahead = ahead->next;
   while (Entry* entry = list.front()) {
     if (ahead != nullptr) {
       buckets_.prefetchLink(indexOf(ahead->key->hashcode()));
+      index_.prefetchHome(korassoc::detail::setCode(ahead->key->getTheArray(), ahead->key->length()));
       ahead = ahead->next;
     }
     if (find(entry->key) == nullptr) {
