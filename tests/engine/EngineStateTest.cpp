@@ -8,11 +8,13 @@
 #include <set>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "korassoc/dictionary/HashTable.h"
 #include "korassoc/dictionary/LatticeSetDescriptor.h"
 #include "korassoc/engine/PhaseIContext.h"
 #include "korassoc/engine/PhaseIIContext.h"
+#include "korassoc/rules/AssociationRule.h"
 #include "tests/support/RecordStream.h"
 #include "tests/support/SavedStates.h"
 
@@ -44,6 +46,21 @@ std::string contents(const Engine& engine) {
   std::string all = "in store " + std::to_string(dictionary.inStoreCount()) + '\n';
   for (const std::string& entry : entries) all += entry + '\n';
   return all;
+}
+
+// The rules, whatever their order, which is that of the tables.
+std::set<std::string> ruleTexts(const std::vector<AssociationRule>& rules) {
+  std::set<std::string> texts;
+  for (const AssociationRule& rule : rules) {
+    std::ostringstream text;
+    for (const ItemSet& side : {rule.getAntecedent(), rule.getConsequent()}) {
+      for (int i = 0; i < side.length(); ++i) text << side.getItemAt(i) << ' ';
+      text << "| ";
+    }
+    text << rule.getSupport() << ' ' << rule.getConfidence() << ' ' << rule.getLift();
+    texts.insert(text.str());
+  }
+  return texts;
 }
 
 // What follows the dictionary in a binary state.
@@ -168,7 +185,7 @@ TEST(Restore, GoesOnWithPhaseIAsIfItHadNeverBeenInterrupted) {
   }
 }
 
-TEST(Restore, OfALatticeIsInPhaseIIAtOnce) {
+TEST(Restore, OfALatticeIsInPhaseIIAndAnswersAtOnce) {
   Running run;
   run.engine->RunPhaseI(23);
   run.engine->RunPhaseII();
@@ -181,6 +198,12 @@ TEST(Restore, OfALatticeIsInPhaseIIAtOnce) {
   EXPECT_EQ(restored.engine->NumberOfSets(), run.engine->NumberOfSets());
   EXPECT_EQ(restored.engine->NumberOfTransactions(), 23);
   EXPECT_EQ(contents(*restored.engine), contents(*run.engine));
+  std::vector<AssociationRule> rules;
+  std::vector<AssociationRule> expected;
+  EXPECT_EQ(shortForm(restored.engine->CreateNgetRules(0.1, 0.5, rules)), "OK");
+  EXPECT_EQ(shortForm(run.engine->CreateNgetRules(0.1, 0.5, expected)), "OK");
+  EXPECT_EQ(ruleTexts(rules), ruleTexts(expected));
+  EXPECT_FALSE(rules.empty());
 }
 
 TEST(Restore, OfALatticeCanRunPhaseIIAgain) {
