@@ -29,7 +29,7 @@ def mlxtend(path, count):
     rows = read(path)
     encoder = TransactionEncoder()
     table = pandas.DataFrame.sparse.from_spmatrix(encoder.fit(rows).transform(rows, sparse=True),
-                                                  columns=encoder.columns_)
+                                                  columns=[str(item) for item in encoder.columns_])
     found = fpgrowth(table, min_support=(count - 0.5) / len(rows), max_len=LONGEST)
     return [(sorted(int(encoder.columns_[i]) for i in s), round(support * len(rows)))
             for support, s in zip(found['support'], found['itemsets'])]
