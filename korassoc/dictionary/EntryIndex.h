@@ -36,6 +36,15 @@ class EntryIndex {
     return nullptr;
   }
 
+  // False when find() finds nothing for this code, whatever matches.
+  bool mayHold(std::uint64_t code) const {
+    if (slots_.empty()) return false;
+    const std::uint32_t hash = mix(code);
+    std::size_t place = hash & mask();
+    while (slots_[place].number != kEmpty && slots_[place].hash != hash) place = next(place);
+    return slots_[place].number != kEmpty;
+  }
+
   // Makes room for one entry more; add() does not fail then.
   void makeRoom() {
     if (4 * (count_ + 1) > 3 * slots_.size()) resize(slots_.empty() ? kFirstSlots : 2 * slots_.size());

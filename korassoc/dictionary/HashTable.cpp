@@ -11,7 +11,12 @@ using Buckets = korassoc::detail::BucketArray<HashTable::Entry>;
 constexpr std::uint32_t kElsewhere = 0x80000000U;  // marks the numbers of entries that are not the pool's
 
 bool sameItems(const ItemSet& stored, const ItemSetView& set) {
-  return stored.length() == set.length && std::equal(set.items, set.items + set.length, stored.getTheArray());
+  if (stored.length() != set.length) return false;
+  const int* const items = stored.getTheArray();
+  for (int i = 0; i < set.length; ++i) {  // few of them: nothing to call for
+    if (items[i] != set.items[i]) return false;
+  }
+  return true;
 }
 
 std::uint64_t codeOf(const ItemSet& set) {

@@ -85,6 +85,8 @@ class KORASSOC_EXPORT HashTable {
   // The entry of the set equal to the given one, or null; valid until it is removed.
   Entry* find(const ItemSet* set) const;
   Entry* find(const ItemSetView& set) const;
+  // False when no set with this code is stored.
+  bool mayHold(std::uint64_t code) const { return index_.mayHold(code); }
   // Starts to fetch what looking for a set with this code, or adding it, needs first.
   void prefetch(std::uint64_t code) const { index_.prefetchHome(code); }
   // Unlinks the entry of an equal set and returns it, or null. The caller owns the entry, its key and its

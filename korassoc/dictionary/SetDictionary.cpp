@@ -62,11 +62,6 @@ int SetDictionary::initialBuckets(int level) const {
   }
 }
 
-HashTable* SetDictionary::tableOrNull(int level) const {
-  if (level < 0 || static_cast<std::size_t>(level) >= levels_.size()) return nullptr;
-  return levels_[static_cast<std::size_t>(level)].get();
-}
-
 HashTable& SetDictionary::table(int level) {
   const auto index = static_cast<std::size_t>(level);
   if (index >= levels_.size()) levels_.resize(index + 1);

@@ -243,6 +243,12 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   // incrementSet() that also tells where the stored items are (those of the argument for a set on disk).
   Counted increment(const ItemSetView& set);
   SetCounter* find(const ItemSetView& set);
+  // False when no set of this length and code is stored, in memory or on disk.
+  bool mayHold(int length, std::uint64_t code) const {
+    if (spillStore_ != nullptr) return true;
+    const HashTable* table = tableOrNull(length);
+    return table != nullptr && table->mayHold(code);
+  }
   // Starts to fetch what looking for a set of this length and code needs first.
   void prefetch(int length, std::uint64_t code) const {
     if (const HashTable* table = tableOrNull(length)) table->prefetch(code);
@@ -306,7 +312,10 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
 
   int initialBuckets(int level) const;
   HashTable& table(int level);
-  HashTable* tableOrNull(int level) const;
+  HashTable* tableOrNull(int level) const {
+    const auto index = static_cast<std::size_t>(level);  // one below 0 is beyond all
+    return index < levels_.size() ? levels_[index].get() : nullptr;
+  }
   bool spillsLevel(int level) const { return diskSpill_ && spillStore_ != nullptr && level == kSpillLevel; }
   ItemSetView selection(const int* values, const int* index, int n);
   template <typename Report>

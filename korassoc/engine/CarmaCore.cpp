@@ -125,23 +125,38 @@ bool CarmaCore::extend(SetDictionary& dictionary, std::size_t place, const ItemS
                        const SetCounter& single, const Bounds& bounds) {
   const Found parent = work_[place];  // the list may move
   const int length = parent.length + 1;
-  candidate_.assign(parent.items, parent.items + parent.length);
-  candidate_.push_back(item.items[0]);
+  const std::uint64_t code = parent.code + item.code;
   longestCandidate_ = std::max(longestCandidate_, length);
-  const ItemSetView set(candidate_.data(), length, parent.code + item.code);
-  const SetDictionary::Counted counted = dictionary.increment(set);
-  if (counted.descriptor != nullptr) {
-    extended_[place] = 1;
-    if (length < maxLengthSet_) {
-      work_.push_back({counted.items, length, static_cast<int>(place), set.code, counted.descriptor});
+  if (dictionary.mayHold(length, code)) {
+    const SetDictionary::Counted counted = dictionary.increment(candidate(parent, item));
+    if (counted.descriptor != nullptr) {
+      extended_[place] = 1;
+      if (length < maxLengthSet_) {
+        work_.push_back({counted.items, length, static_cast<int>(place), code, counted.descriptor});
+      }
+      return true;
     }
-    return true;
   }
   const long long parentBound = upperBound(*parent.descriptor) - 1;  // before this transaction
   if (parentBound + 1 < bounds.supportBound) return true;
   long long missed = 0;
-  if (!boundMissed(dictionary, set, single, bounds, parentBound, missed)) return true;
+  if (length == 2) {
+    missed = missedPair(single, bounds, parentBound);
+    if (missed + 1 < bounds.supportBound) return true;
+  }
+  const ItemSetView set = candidate(parent, item);
+  if (length > 2 && !checkSubsets(dictionary, set, bounds, parentBound, missed)) return true;
   return add(dictionary, set, toCount(missed));
+}
+
+// The parent's set with item added; it lasts until the next is asked for.
+ItemSetView CarmaCore::candidate(const Found& parent, const ItemSetView& item) {
+  const auto last = static_cast<std::size_t>(parent.length);
+  if (candidate_.size() <= last) candidate_.resize(last + 1);
+  int* const items = candidate_.data();
+  for (std::size_t i = 0; i < last; ++i) items[i] = parent.items[i];
+  items[last] = item.items[0];
+  return ItemSetView(items, parent.length + 1, parent.code + item.code);
 }
 
 // Stores a set that was met for the first time. False when the dictionary refused it.
@@ -165,13 +180,9 @@ void CarmaCore::releaseUnused(SetDictionary& dictionary) {
   heldOfUse_ = dictionary.heldEvicted();
 }
 
-// How many occurrences the candidate can have missed, at most. False when it cannot reach the support.
-bool CarmaCore::boundMissed(SetDictionary& dictionary, const ItemSetView& candidate, const SetCounter& single,
-                            const Bounds& bounds, long long parentBound, long long& missed) {
-  if (candidate.length > 2) return checkSubsets(dictionary, candidate, bounds, parentBound, missed);
-  missed = std::min<long long>(single.count - 1LL, parentBound);
-  missed = std::min<long long>(missed, bounds.missedBefore + 1LL);
-  return missed + 1 >= bounds.supportBound;
+// How many occurrences a pair can have missed, at most.
+long long CarmaCore::missedPair(const SetCounter& single, const Bounds& bounds, long long parentBound) {
+  return std::min({single.count - 1LL, parentBound, bounds.missedBefore + 1LL});
 }
 
 // The candidate's subsets without one of the parent's items each: stored before this transaction and able to
@@ -179,11 +190,11 @@ bool CarmaCore::boundMissed(SetDictionary& dictionary, const ItemSetView& candid
 bool CarmaCore::checkSubsets(SetDictionary& dictionary, const ItemSetView& candidate, const Bounds& bounds,
                              long long parentBound, long long& missed) {
   const int length = candidate.length;
+  const int* const items = candidate.items;
   missed = std::min({nTrans_ - 1LL, parentBound, length - 1LL + bounds.missedBefore});
+  subset_.assign(items + 1, items + length);
   for (int left = 0; left < length - 1; ++left) {
-    const int* const items = candidate.items;
-    subset_.assign(items, items + left);
-    subset_.insert(subset_.end(), items + left + 1, items + length);
+    if (left > 0) subset_[static_cast<std::size_t>(left - 1)] = items[left - 1];
     const std::uint64_t code = candidate.code - korassoc::detail::itemCode(items[left]);
     const SetCounter* subset = dictionary.find({subset_.data(), length - 1, code});
     if (subset == nullptr || subset->getTID() >= nTrans_) return false;

@@ -88,8 +88,8 @@ class CarmaCore {
                  const SetCounter& single, const Bounds& bounds);
   bool extend(SetDictionary& dictionary, std::size_t place, const ItemSetView& item, const SetCounter& single,
               const Bounds& bounds);
-  bool boundMissed(SetDictionary& dictionary, const ItemSetView& candidate, const SetCounter& single,
-                   const Bounds& bounds, long long parentBound, long long& missed);
+  ItemSetView candidate(const Found& parent, const ItemSetView& item);
+  static long long missedPair(const SetCounter& single, const Bounds& bounds, long long parentBound);
   bool checkSubsets(SetDictionary& dictionary, const ItemSetView& candidate, const Bounds& bounds,
                     long long parentBound, long long& missed);
   bool add(SetDictionary& dictionary, const ItemSetView& set, int missed);

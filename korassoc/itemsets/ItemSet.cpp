@@ -79,14 +79,9 @@ bool overlap(const int* a, int na, const int* b, int nb) {
 
 }  // namespace
 
-ItemSet::ItemSet() = default;
-
 ItemSet::ItemSet(int item) : ItemSet(&item, 1) {}
 
 ItemSet::ItemSet(const ItemSet& s) : items_(copyOf(s.items_.get(), s.length())), hashCode_(s.hashCode_) {}
-
-ItemSet::ItemSet(ItemSet&& s) noexcept
-    : items_(std::move(s.items_)), hashCode_(std::exchange(s.hashCode_, 0)) {}
 
 ItemSet::ItemSet(const ItemSet& s, int item) : items_(insertion(s.items_.get(), s.length(), item)) {
   itemSetHash();
@@ -120,8 +115,6 @@ ItemSet::ItemSet(const ItemSet& a, const ItemSet& b) : items_(a.length()) {
   itemSetHash();
 }
 
-ItemSet::~ItemSet() = default;
-
 void ItemSet::operator=(const ItemSet& s) {
   if (this == &s) {
     return;
@@ -132,14 +125,6 @@ void ItemSet::operator=(const ItemSet& s) {
     std::copy_n(s.items_.get(), length(), items_.get());
   }
   hashCode_ = s.hashCode_;
-}
-
-void ItemSet::operator=(ItemSet&& s) noexcept {
-  if (this == &s) {
-    return;
-  }
-  items_ = std::move(s.items_);
-  hashCode_ = std::exchange(s.hashCode_, 0);
 }
 
 void ItemSet::addItem(int item) {

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
+#include <utility>
 
 #include "korassoc/base/Export.h"
 #include "korassoc/itemsets/ItemStorage.h"
@@ -25,20 +26,25 @@ class OrderedArray;
 // Cost, for n items: the searches O(log n), everything else O(n).
 class KORASSOC_EXPORT ItemSet {
  public:
-  ItemSet();                            // the empty set
-  ItemSet(int item);                    // {item}
-  ItemSet(const ItemSet& s);            // the items and the hash code of s
-  ItemSet(ItemSet&& s) noexcept;        // the same; s becomes empty and keeps its links
+  ItemSet() = default;           // the empty set
+  ItemSet(int item);             // {item}
+  ItemSet(const ItemSet& s);     // the items and the hash code of s
+  ItemSet(ItemSet&& s) noexcept  // the same; s becomes empty and keeps its links
+      : items_(std::move(s.items_)), hashCode_(std::exchange(s.hashCode_, 0)) {}
   ItemSet(const ItemSet& s, int item);  // s with item inserted before the first element that is not smaller
   ItemSet(const OrderedArray& a);       // the elements of a
   ItemSet(const OrderedArray& values, const OrderedArray& index);    // values[index[i]] for each i
   ItemSet(const int* values, int nValues, const int* index, int n);  // the same; nValues is not used
   ItemSet(const int* items, int n);                                  // the n items as they stand
   ItemSet(const ItemSet& a, const ItemSet& b);  // the items of a that are not in b, in a's order
-  ~ItemSet();
+  ~ItemSet() = default;
 
   void operator=(const ItemSet& s);
-  void operator=(ItemSet&& s) noexcept;  // s becomes empty and keeps its links
+  void operator=(ItemSet&& s) noexcept {  // s becomes empty and keeps its links
+    if (this == &s) return;
+    items_ = std::move(s.items_);
+    hashCode_ = std::exchange(s.hashCode_, 0);
+  }
 
   int length() const { return items_.length(); }
   int* getTheArray() { return items_.get(); }  // length() items; null when the set never held any
