@@ -7,15 +7,13 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "korassoc/korassoc.h"
 #include "tests/cli/RunKorassoc.h"
 #include "tests/cli/TemporaryFolder.h"
-#include "tests/support/Hosts.h"
+#include "tests/support/ExportedModel.h"
 #include "tests/support/VectorTransactions.h"
 
 namespace korassoc::cli {
@@ -33,28 +31,9 @@ const Transactions kTransactions = {{2, 8}, {5, 8}, {2, 5}, {2, 5}, {2, 5, 8}, {
                                     {2},    {5},    {5},    {5},    {9},       {9}};
 
 // What the library itself writes of those baskets.
-class Library {
+class Library : public ExportedModel {
  public:
-  explicit Library(double support) : settings_(settingsWithSupport(support)), source_(kTransactions) {
-    engine_ = std::make_unique<CarmaAssociationAlgorithm>(settings_.get(), &source_);
-    EXPECT_TRUE(engine_->RunPhaseI(source_.size()).IsOK());
-    EXPECT_TRUE(engine_->RunPhaseII().IsOK());
-  }
-  std::string rules(double support, double confidence, bool nonRedundant) {
-    std::ostringstream out;
-    EXPECT_TRUE(engine_->ExportRulesXML(out, support, confidence, nonRedundant).IsOK());
-    return out.str();
-  }
-  std::string lattice() {
-    std::ostringstream out;
-    EXPECT_TRUE(engine_->ExportLatticeXML(out).IsOK());
-    return out.str();
-  }
-
- private:
-  std::unique_ptr<CarmaSettings> settings_;
-  VectorTransactions source_;
-  std::unique_ptr<CarmaAssociationAlgorithm> engine_;
+  explicit Library(double support) : ExportedModel(kTransactions, support) {}
 };
 
 class Documents : public testing::Test {

@@ -10,14 +10,12 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <memory>
 #include <random>
 #include <sstream>
 #include <string>
 #include <vector>
 
-#include "korassoc/engine/CarmaAssociationAlgorithm.h"
-#include "korassoc/engine/CarmaSettings.h"
+#include "tests/support/ExportedModel.h"
 #include "tests/support/Hosts.h"
 #include "tests/support/TemporaryFile.h"
 #include "tests/support/VectorTransactions.h"
@@ -68,40 +66,25 @@ void expectValid(const std::string& document) {
   EXPECT_TRUE(verdict.accepted) << verdict.messages;
 }
 
-// An engine after both passes over random baskets of 1 to 4 of 7 items, and three with rare items: {98}, {99}
-// and once both.
-class RandomModel {
- public:
-  RandomModel(int transactions, double support) : settings_(settingsWithSupport(support)) {
-    std::mt19937 random(7);
-    for (int t = 0; t < transactions - 3; ++t) {
-      std::vector<int> items;
-      for (auto wanted = 1 + random() % 4; wanted > 0; --wanted) {
-        const int item = static_cast<int>(random() % 7) - 3;
-        if (std::find(items.begin(), items.end(), item) == items.end()) items.push_back(item);
-      }
-      source_.add(items);
+// Random baskets of 1 to 4 of 7 items, and three with rare items: {98}, {99} and once both.
+Transactions randomBaskets(int transactions) {
+  std::mt19937 random(7);
+  Transactions baskets;
+  for (int t = 0; t < transactions - 3; ++t) {
+    std::vector<int> items;
+    for (auto wanted = 1 + random() % 4; wanted > 0; --wanted) {
+      const int item = static_cast<int>(random() % 7) - 3;
+      if (std::find(items.begin(), items.end(), item) == items.end()) items.push_back(item);
     }
-    for (const auto& items : {Items{98}, Items{99}, Items{98, 99}}) source_.add(items);
-    engine_ = std::make_unique<CarmaAssociationAlgorithm>(settings_.get(), &source_);
-    EXPECT_TRUE(engine_->RunPhaseI(transactions).IsOK());
-    EXPECT_TRUE(engine_->RunPhaseII().IsOK());
+    baskets.push_back(items);
   }
-  std::string rules(double minSupport, double minConfidence, bool nonRedundant) {
-    std::ostringstream out;
-    EXPECT_TRUE(engine_->ExportRulesXML(out, minSupport, minConfidence, nonRedundant).IsOK());
-    return out.str();
-  }
-  std::string lattice() {
-    std::ostringstream out;
-    EXPECT_TRUE(engine_->ExportLatticeXML(out).IsOK());
-    return out.str();
-  }
+  baskets.insert(baskets.end(), {Items{98}, Items{99}, Items{98, 99}});
+  return baskets;
+}
 
- private:
-  std::unique_ptr<CarmaSettings> settings_;
-  VectorTransactions source_;
-  std::unique_ptr<CarmaAssociationAlgorithm> engine_;
+class RandomModel : public ExportedModel {
+ public:
+  RandomModel(int transactions, double support) : ExportedModel(randomBaskets(transactions), support) {}
 };
 
 class WellFormed : public testing::Test {
