@@ -32,8 +32,13 @@ class Eviction : public ::testing::Test {
     dictionary_ = std::make_unique<SetDictionary>(4, &settings_, true);
     dictionary_->addEmptySet(new CarmaSetDescriptor(0, 0, 0));
   }
-  // addSet()'s answer, for a set with count 1. A refused descriptor stays ours.
+  // addSet()'s answer, for a set with count 1, or that of add() when asPhaseI_ is set. A refused descriptor
+  // stays ours.
   int add(const Items& items) {
+    if (asPhaseI_) {
+      const ItemSetView view(items.data(), static_cast<int>(items.size()));
+      return dictionary_->add(view, CarmaSetDescriptor(1, 9, 0));
+    }
     std::unique_ptr<SetCounter> descriptor = std::make_unique<CarmaSetDescriptor>(1, 9, 0);
     const int answer = dictionary_->addSet(items.data(), static_cast<int>(items.size()), descriptor.get());
     if (answer == 0) static_cast<void>(descriptor.release());
@@ -79,6 +84,7 @@ class Eviction : public ::testing::Test {
   }
   int pushedLessUnlinked() const { return dictionary_->smallQueue().count(); }
 
+  bool asPhaseI_ = false;
   DictionarySettings settings_;
   TemporaryFile file_;
   std::unique_ptr<SetDictionary> dictionary_;

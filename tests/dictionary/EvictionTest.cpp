@@ -17,7 +17,15 @@ using ::testing::IsEmpty;
 using ::testing::Pair;
 using ::testing::UnorderedElementsAre;
 
-TEST_F(Eviction, WithoutSpillGivesUpTheHeadOfTheQueueWithItsCount) {
+// The same for the sets of a host and for those that phase I adds, which live in blocks of the dictionary's
+// own.
+class GivingUp : public Eviction, public ::testing::WithParamInterface<bool> {
+ protected:
+  GivingUp() { asPhaseI_ = GetParam(); }
+};
+INSTANTIATE_TEST_SUITE_P(ByHostAndPhaseI, GivingUp, ::testing::Bool());
+
+TEST_P(GivingUp, TakesTheHeadOfTheQueueWithItsCount) {
   make(4, 3, false);
   EXPECT_EQ(add({1}), 0);
   EXPECT_EQ(add({2}), 0);
@@ -58,7 +66,7 @@ TEST_F(Eviction, WithoutSpillGivesUpTheHeadOfTheQueueWithItsCount) {
   EXPECT_EQ(dictionary_->spillStore(), nullptr);
 }
 
-TEST_F(Eviction, NeverSubtractsAPoppedSetFromTheQueuesCount) {
+TEST_P(GivingUp, NeverSubtractsAPoppedSetFromTheQueuesCount) {
   make(3, 3, false);
   add({1});
   add({2});

@@ -36,6 +36,15 @@ std::vector<int> items(const std::vector<ConsequentDescriptor>& consequents) {
 
 using Consequents = std::vector<ConsequentDescriptor>;
 
+// All figures of each, to be compared.
+std::vector<std::vector<double>> all(const Consequents& consequents) {
+  std::vector<std::vector<double>> result;
+  for (const ConsequentDescriptor& c : consequents) {
+    result.push_back({static_cast<double>(c.getItem()), c.getConfidence(), c.getSupport(), c.getLift()});
+  }
+  return result;
+}
+
 Consequents consequentsOf(TestLattice& lattice, const std::vector<int>& antecedent, int maxItems = -1) {
   Consequents out;
   ItemSet set = itemSet(antecedent);
@@ -166,8 +175,25 @@ TEST(CreateConsequents, AgreesWithTheRulesOfAllSubsets) {
       }
       ASSERT_EQ(answered, best);
       ASSERT_EQ(answered.size(), out.size()) << "an item twice";
+      for (std::size_t wanted = 0; wanted <= out.size(); ++wanted) {
+        const Consequents first = consequentsOf(lattice, antecedent, static_cast<int>(wanted));
+        ASSERT_EQ(all(first),
+                  all(Consequents(out.begin(), out.begin() + static_cast<std::ptrdiff_t>(wanted))));
+      }
     }
   }
+}
+
+TEST(CreateConsequents, ReadsCountsThatHaveRisenSinceItWasAsked) {
+  TestLattice lattice(smallCounts());
+  EXPECT_EQ(items(consequentsOf(lattice, {1})), (std::vector<int>{2, 3}));  // ab 4, ac 3
+  const int both[] = {1, 3};
+  lattice.dictionary.incrementSet(both, 2);
+  lattice.dictionary.incrementSet(both, 2);
+  const Consequents out = consequentsOf(lattice, {1});
+  EXPECT_EQ(items(out), (std::vector<int>{3, 2}));
+  EXPECT_EQ(out[0].getConfidence(), 5.0 / 6);
+  EXPECT_EQ(out[0].getSupport(), 0.5);
 }
 
 struct Query {
