@@ -1,7 +1,6 @@
 #include "korassoc/dictionary/HashTable.h"
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 
 namespace {
@@ -27,19 +26,17 @@ std::uint64_t codeOf(const ItemSet& set) {
 
 HashTable::HashTable(int initialBuckets) : HashTable(initialBuckets, std::make_shared<Pool>()) {}
 
-HashTable::HashTable(int initialBuckets, std::shared_ptr<Pool> pool) : pool_(std::move(pool)) {
-  setBucketCount(initialBuckets);
-}
+HashTable::HashTable(int initialBuckets, std::shared_ptr<Pool> pool)
+    : growth_(initialBuckets), pool_(std::move(pool)) {}
 
-HashTable::HashTable(const HashTable& other)
-    : bucketCount_(other.bucketCount_), threshold_(other.threshold_), pool_(std::make_shared<Pool>()) {
+HashTable::HashTable(const HashTable& other) : growth_(other.bucketCount()), pool_(std::make_shared<Pool>()) {
   if (other.buckets_.empty()) return;
   buckets_ = Buckets(other.buckets_.size());
   buckets_.prepareFor(static_cast<std::size_t>(other.count_));
   Entry* last = nullptr;
   try {
     other.forEach([&](const Entry& entry) {
-      const std::size_t index = indexOf(entry.key->hashcode());
+      const std::size_t index = growth_.bucketOf(entry.key->hashcode());
       Entry*& end = buckets_.head(index) == nullptr ? buckets_.link(index) : last->next;
       index_.makeRoom();
       others_.makeRoom();
@@ -76,11 +73,6 @@ void HashTable::replaceDescriptor(Entry& entry, SetCounter* descriptor) {
   if (entry.descriptor == descriptor) return;
   if (!entry.pooled || !Pool::holdsDescriptor(entry)) delete entry.descriptor;
   entry.descriptor = descriptor;
-}
-
-void HashTable::setBucketCount(int count) {
-  bucketCount_ = std::max(count, 1);
-  threshold_ = static_cast<int>(static_cast<float>(bucketCount_) * kLoadFactor);
 }
 
 bool HashTable::put(ItemSet* set, SetCounter* descriptor) {
@@ -136,7 +128,7 @@ HashTable::Entry* HashTable::makeEntry(ItemSet&& set, const CarmaSetDescriptor& 
 }
 
 void HashTable::makeRoomFor(const ItemSet& set, int leaving) {
-  if (count_ - leaving >= threshold_ && find(&set) != nullptr) return;  // it will be refused: nothing grows
+  if (count_ - leaving >= threshold() && find(&set) != nullptr) return;  // it will be refused: nothing grows
   makeRoom(set.hashcode(), count_ - leaving);
   buckets_.prepareFor(static_cast<std::size_t>(count_ - leaving) + 1);  // the new head may tip the scales
   others_.makeRoom();
@@ -147,11 +139,11 @@ void HashTable::makeRoomFor(const ItemSet& set, int leaving) {
 // Makes the table large enough for one entry beside so many others, so that nothing can fail when it is hung
 // into its chain, whose head is returned.
 HashTable::Entry*& HashTable::makeRoom(int hash, int others) {
-  if (buckets_.empty()) buckets_ = Buckets(static_cast<std::size_t>(bucketCount_));
-  if (others >= threshold_) rehash();
+  if (buckets_.empty()) buckets_ = Buckets(static_cast<std::size_t>(bucketCount()));
+  if (growth_.isDue(others)) rehash();
   buckets_.prepareFor(static_cast<std::size_t>(others) + 1);
   index_.makeRoom();
-  return buckets_.link(indexOf(hash));
+  return buckets_.link(growth_.bucketOf(hash));
 }
 
 HashTable::Entry* HashTable::entryAt(std::uint32_t number) const {
@@ -185,40 +177,41 @@ void HashTable::hang(Entry* entry, Entry*& head, std::uint64_t code) {
 }
 
 void HashTable::rehash() {
-  constexpr int kMaxBuckets = (std::numeric_limits<int>::max() - 1) / 2;
-  if (bucketCount_ > kMaxBuckets) return;  // the chains grow instead
-  Buckets former(static_cast<std::size_t>(bucketCount_) * 2 + 1);
+  const korassoc::detail::BucketGrowth grown = growth_.grown();
+  Buckets former(static_cast<std::size_t>(grown.bucketCount()));
   former.prepareFor(static_cast<std::size_t>(count_));
   std::swap(former, buckets_);
-  setBucketCount(2 * bucketCount_ + 1);
-  ++modCount_;
+  growth_ = grown;
   former.forEachHead([this](Entry* head) {
     while (head != nullptr) {
       Entry* entry = std::exchange(head, head->next);
-      Entry*& newHead = buckets_.link(indexOf(entry->key->hashcode()));
+      Entry*& newHead = buckets_.link(growth_.bucketOf(entry->key->hashcode()));
       entry->next = newHead;
       newHead = entry;
     }
   });
 }
 
+template <typename Matches>
+HashTable::Entry* HashTable::findEntry(std::uint64_t code, Matches&& matches) const {
+  const std::uint32_t number =
+      index_.find(code, [&](std::uint32_t asked) { return matches(*entryAt(asked)); });
+  return number != Index::kNone ? entryAt(number) : nullptr;
+}
+
 HashTable::Entry* HashTable::find(const ItemSetView& set) const {
-  return index_.find(
-      set.code, [this](std::uint32_t number) { return entryAt(number); },
-      [&set](const Entry& entry) { return sameItems(*entry.key, set); });
+  return findEntry(set.code, [&set](const Entry& entry) { return sameItems(*entry.key, set); });
 }
 
 // Sets are equal when their hash codes are, too: a set that lost items since its code was computed finds
 // nothing.
 HashTable::Entry* HashTable::find(const ItemSet* set) const {
-  return index_.find(
-      codeOf(*set), [this](std::uint32_t number) { return entryAt(number); },
-      [set](const Entry& entry) { return *entry.key == *set; });
+  return findEntry(codeOf(*set), [set](const Entry& entry) { return *entry.key == *set; });
 }
 
 // The link of its chain that leads to a stored entry.
 HashTable::Entry** HashTable::linkTo(const Entry& entry) {
-  Entry** link = &buckets_.link(indexOf(entry.key->hashcode()));
+  Entry** link = &buckets_.link(growth_.bucketOf(entry.key->hashcode()));
   while (*link != &entry) link = &(*link)->next;
   return link;
 }
@@ -280,9 +273,8 @@ void HashTable::clear() {
   count_ = 0;
 }
 
-void HashTable::resetBuckets(int bucketCount) {
+void HashTable::resetBuckets(int bucketCount, int modCount) {
   clear();
   buckets_ = Buckets();
-  modCount_ = 0;
-  setBucketCount(bucketCount);
+  growth_ = korassoc::detail::BucketGrowth(bucketCount, modCount);
 }

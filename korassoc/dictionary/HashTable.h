@@ -10,8 +10,9 @@
 
 #include "korassoc/base/Export.h"
 #include "korassoc/dictionary/BucketArray.h"
+#include "korassoc/dictionary/BucketGrowth.h"
 #include "korassoc/dictionary/CarmaSetDescriptor.h"
-#include "korassoc/dictionary/EntryIndex.h"
+#include "korassoc/dictionary/CodeIndex.h"
 #include "korassoc/dictionary/EntryNumbers.h"
 #include "korassoc/dictionary/EntryPool.h"
 #include "korassoc/dictionary/SetCounter.h"
@@ -86,7 +87,7 @@ class KORASSOC_EXPORT HashTable {
   Entry* find(const ItemSet* set) const;
   Entry* find(const ItemSetView& set) const;
   // False when no set with this code is stored.
-  bool mayHold(std::uint64_t code) const { return index_.mayHold(code); }
+  bool mayHold(std::uint64_t code) const { return index_.likely(code) != Index::kNone; }
   // Starts to fetch what looking for a set with this code, or adding it, needs first.
   void prefetch(std::uint64_t code) const { index_.prefetchHome(code); }
   // Unlinks the entry of an equal set and returns it, or null. The caller owns the entry, its key and its
@@ -96,8 +97,9 @@ class KORASSOC_EXPORT HashTable {
   bool contains(const ItemSet* set) const;
   // Empties the table, keeping its nodes for reuse.
   void clear();
-  // Empties the table and gives it this many buckets (at least 1): what reading a saved table begins with.
-  void resetBuckets(int bucketCount);
+  // Empties the table and gives it this many buckets (at least 1): what filling it in a known order begins
+  // with. modCount: how often it grew to them.
+  void resetBuckets(int bucketCount, int modCount = 0);
 
   // Deletes the key and descriptor of an entry that was removed and takes the entry for reuse.
   void release(Entry* entry);
@@ -107,18 +109,18 @@ class KORASSOC_EXPORT HashTable {
   // one.
   static void replaceDescriptor(Entry& entry, SetCounter* descriptor);
 
-  int bucketCount() const { return bucketCount_; }
+  int bucketCount() const { return growth_.bucketCount(); }
   // Entries held.
   int count() const { return count_; }
   // The most entries that fit before the table grows.
-  int threshold() const { return threshold_; }
+  int threshold() const { return growth_.threshold(); }
   // How often the table grew.
-  int modCount() const { return modCount_; }
+  int modCount() const { return growth_.modCount(); }
   // The chain of one bucket, 0 <= index < bucketCount(): its first entry or null.
   Entry* bucket(int index) const { return buckets_.head(static_cast<std::size_t>(index)); }
 
   // The bucket of a stored set.
-  int bucketOf(const ItemSet& set) const { return static_cast<int>(indexOf(set.hashcode())); }
+  int bucketOf(const ItemSet& set) const { return static_cast<int>(growth_.bucketOf(set.hashcode())); }
 
   // Calls visit(Entry&) for every entry, bucket by bucket, each from its head. visit must not add or remove.
   template <typename Visitor>
@@ -178,16 +180,15 @@ class KORASSOC_EXPORT HashTable {
   std::uint64_t readLevelXML(std::ifstream& in, char descriptorType, int setLength);
 
  private:
-  std::size_t indexOf(int hash) const {
-    return static_cast<std::size_t>(static_cast<std::uint32_t>(hash) %
-                                    static_cast<std::uint32_t>(bucketCount_));
-  }
+  using Index = korassoc::detail::CodeIndex;
+
+  template <typename Matches>
+  Entry* findEntry(std::uint64_t code, Matches&& matches) const;
   Entry** linkTo(const Entry& entry);
   // Removes the entry whose link is given: *link becomes the next of the chain.
   Entry* unlink(Entry** link);
   static void deleteKey(Entry& entry);
   void rehash();
-  void setBucketCount(int count);
   Entry* newNode();
   void deleteContents();
   void takeOver(Entry* first, int entries);
@@ -199,17 +200,13 @@ class KORASSOC_EXPORT HashTable {
   void forgetAll();
   void hang(Entry* entry, Entry*& head, std::uint64_t code);
 
-  static constexpr float kLoadFactor = 0.75F;
-
   korassoc::detail::BucketArray<Entry> buckets_;  // chain heads; empty until the first insertion
-  int bucketCount_;
+  korassoc::detail::BucketGrowth growth_;
   int count_ = 0;
-  int threshold_ = 0;
-  int modCount_ = 0;
   bool lastSweepTookMost_ = false;
   int freeCount_ = 0;           // entries in it: enough to evict and add by turns
   Entry* freeNodes_ = nullptr;  // a chain of entries without contents
-  korassoc::detail::EntryIndex<Entry> index_;
+  Index index_;
   std::shared_ptr<Pool> pool_;
   korassoc::detail::EntryNumbers<Entry> others_;  // entries that are not the pool's
 };

@@ -4,7 +4,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <fstream>
 #include <iostream>
 #include <limits>
@@ -19,16 +18,15 @@
 #include "korassoc/base/Prefetch.h"
 #include "korassoc/dictionary/DescriptorRecord.h"
 #include "korassoc/dictionary/HashTable.h"
+#include "korassoc/dictionary/TableRecordWriter.h"
 #include "korassoc/engine/Exceptions.h"
 #include "korassoc/itemsets/ItemSetRecord.h"
-#include "korassoc/xml/XMLObj.h"
 #include "korassoc/xml/XMLReader.h"
 
 using korassoc::detail::BinaryReader;
-using korassoc::detail::BinaryWriter;
 using korassoc::detail::kFrameLines;
 using korassoc::detail::prefetch;
-using KorAssocXML::XMLObj;
+using korassoc::detail::UsualEntry;
 
 namespace {
 
@@ -93,56 +91,27 @@ bool isRightLength(int length, int expected) { return expected == kAnyLength || 
   throw new IOException();
 }
 
-// The usual entry: a set that is not too long, with a descriptor of phase I. In the table of one size of
-// sets, which is the dictionary's own, it takes a block of the table's pool. Its record is
-//
-//   "IS:" 0 | length | items ... | "CSD" | count | TID | max missed
-constexpr int kUsualLength = 16;
-constexpr std::string_view kUsualTag = "CSD";
-
-constexpr std::size_t usualSetBytes(int length) {
-  return korassoc::detail::kItemSetHeadBytes + 4 * static_cast<std::size_t>(length);
-}
-constexpr std::size_t usualBytes(int length) { return usualSetBytes(length) + kUsualTag.size() + 12; }
-static_assert(usualBytes(kUsualLength) <= BinaryWriter::kLargestRoom);
-
-// False, with nothing written, for any other entry.
-bool writeUsualEntry(BinaryWriter& record, const ItemSet& set, const SetCounter& descriptor) {
-  using korassoc::detail::storeInt32;
-  if (set.length() > kUsualLength || typeid(descriptor) != typeid(CarmaSetDescriptor)) return false;
-  const auto& counts = static_cast<const CarmaSetDescriptor&>(descriptor);
-  char* to = record.room(usualBytes(set.length()));
-  std::memcpy(to, korassoc::detail::kItemSetTag.data(), 4);
-  storeInt32(to + 4, set.length());
-  for (int i = 0; i < set.length(); ++i) storeInt32(to + 8 + std::ptrdiff_t{4} * i, set.getItemAt(i));
-  to += usualSetBytes(set.length());
-  std::memcpy(to, kUsualTag.data(), kUsualTag.size());
-  to += kUsualTag.size();
-  storeInt32(to, counts.count);
-  storeInt32(to + 4, counts.TID);
-  storeInt32(to + 8, counts.maxMissed);
-  return true;
-}
-
-// False, with nothing taken, for any other entry, and when its bytes are not all there.
+// In the table of one size of sets, which is the dictionary's own, the usual entry takes a block of the
+// table's pool. False, with nothing taken, for any other entry, and when its bytes are not all there.
 bool readUsualEntry(BinaryReader& record, char descriptorType, int setLength, EntryList& entries) {
   using korassoc::detail::loadInt32;
-  if (descriptorType != korassoc::detail::kCarmaDescriptors || setLength < 0 || setLength > kUsualLength) {
+  if (descriptorType != korassoc::detail::kCarmaDescriptors || setLength < 0 ||
+      setLength > UsualEntry::kMostItems) {
     return false;
   }
-  const char* from = record.fetched(usualBytes(setLength));
+  const char* from = record.fetched(UsualEntry::bytes(setLength));
   if (from == nullptr || std::string_view(from, 4) != korassoc::detail::kItemSetTag ||
       loadInt32(from + 4) != setLength ||
-      std::string_view(from + usualSetBytes(setLength), kUsualTag.size()) != kUsualTag) {
+      std::string_view(from + UsualEntry::setBytes(setLength), UsualEntry::kTag.size()) != UsualEntry::kTag) {
     return false;
   }
-  std::array<int, kUsualLength> items;
+  std::array<int, UsualEntry::kMostItems> items;
   for (int i = 0; i < setLength; ++i)
     items[static_cast<std::size_t>(i)] = loadInt32(from + 8 + std::ptrdiff_t{4} * i);
-  from += usualSetBytes(setLength) + kUsualTag.size();
+  from += UsualEntry::setBytes(setLength) + UsualEntry::kTag.size();
   entries.append(ItemSet(items.data(), setLength),
                  CarmaSetDescriptor(loadInt32(from), loadInt32(from + 4), loadInt32(from + 8)));
-  record.take(usualBytes(setLength));
+  record.take(UsualEntry::bytes(setLength));
   return true;
 }
 
@@ -198,6 +167,14 @@ void forEachFetched(const HashTable& table, Visitor&& visit) {
   flush();
 }
 
+template <typename Writer>
+void writeAll(const HashTable& table, Writer& writer) {
+  const SetCounter nothing;
+  forEachFetched(table, [&](const Entry& entry) {
+    writer.add(*entry.key, entry.descriptor != nullptr ? *entry.descriptor : nothing);
+  });
+}
+
 std::uint64_t refusedTable(const char* line) {
   std::cout << line;
   return 0;
@@ -206,19 +183,9 @@ std::uint64_t refusedTable(const char* line) {
 }  // namespace
 
 std::uint64_t HashTable::writeObject(std::fstream& stream) const {
-  BinaryWriter record(stream);
-  std::uint64_t besides = 0;
-  record.tag("HT");
-  record.int32(count_);
-  const SetCounter nothing;
-  forEachFetched(*this, [&](const Entry& entry) {
-    if (!stream.good()) return;
-    const SetCounter& descriptor = entry.descriptor != nullptr ? *entry.descriptor : nothing;
-    if (writeUsualEntry(record, *entry.key, descriptor)) return;
-    korassoc::detail::writeItems(record, *entry.key);
-    besides += korassoc::detail::writeDescriptor(stream, record, descriptor);
-  });
-  return record.finish() + besides;
+  korassoc::detail::TableRecordWriter record(stream, count_);
+  writeAll(*this, record);
+  return record.finish();
 }
 
 std::uint64_t HashTable::readObject(std::fstream& stream, char descriptorType) {
@@ -254,22 +221,9 @@ std::uint64_t HashTable::readLevel(std::fstream& stream, char descriptorType, in
 }
 
 std::uint64_t HashTable::writeObjectXML(std::ostream& out, int tabs) const {
-  const XMLObj table("HashtablePair", tabs);
-  const XMLObj pair("ISCPair", tabs + 1);
-  table.StartObj(out);
-  table.WriteSubElement(out, count_);
-  std::uint64_t lines = kFrameLines + 1;
-  const SetCounter nothing;
-  forEachFetched(*this, [&](const Entry& entry) {
-    if (!out.good()) return;
-    pair.StartObj(out);
-    lines += entry.key->writeObjectXML(out, tabs + 2);
-    lines += (entry.descriptor != nullptr ? *entry.descriptor : nothing).writeObjectXML(out, tabs + 2);
-    pair.EndObj(out);
-    lines += kFrameLines;
-  });
-  table.EndObj(out);
-  return lines;
+  korassoc::detail::TableObjectWriter object(out, count_, tabs);
+  writeAll(*this, object);
+  return object.finish();
 }
 
 std::uint64_t HashTable::readObjectXML(std::ifstream& in, char descriptorType) {
@@ -304,7 +258,7 @@ void HashTable::takeOver(Entry* first, int entries) {
   for (int i = 0; i < kAhead && ahead != nullptr; ++i) ahead = ahead->next;
   while (Entry* entry = list.front()) {
     if (ahead != nullptr) {
-      buckets_.prefetchLink(indexOf(ahead->key->hashcode()));
+      buckets_.prefetchLink(growth_.bucketOf(ahead->key->hashcode()));
       index_.prefetchHome(korassoc::detail::setCode(ahead->key->getTheArray(), ahead->key->length()));
       ahead = ahead->next;
     }

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "korassoc/dictionary/LatticeGraph.h"
+#include "korassoc/dictionary/PackedLevel.h"
 #include "korassoc/dictionary/SpillStore.h"
 #include "korassoc/engine/DictionarySettings.h"
 #include "korassoc/engine/Exceptions.h"
@@ -21,6 +22,7 @@ SetDictionary::SetDictionary(int maxLevel, DictionarySettings* settings, bool)
     fixedSetCount_ = maxLevel_ + 1;
     settings->SetNumberOfFixedSets(fixedSetCount_);  // so that saved settings show the number in use
   }
+  if (mayBePacked()) packed_ = std::make_unique<PackedLevels>();
 }
 
 SetDictionary::SetDictionary(std::vector<std::unique_ptr<HashTable>> levelTables, int inStoreCount,
@@ -63,6 +65,7 @@ int SetDictionary::initialBuckets(int level) const {
 }
 
 HashTable& SetDictionary::table(int level) {
+  if (isPacked(level)) unpackAll();
   const auto index = static_cast<std::size_t>(level);
   if (index >= levels_.size()) levels_.resize(index + 1);
   if (levels_[index] == nullptr) levels_[index] = std::make_unique<HashTable>(initialBuckets(level), pool_);
@@ -76,19 +79,22 @@ const HashTable& SetDictionary::levelTable(int level) const {
 
 // --- Sizes ---
 
+int SetDictionary::countInMemory(int level) const {
+  if (!isPacked(level)) return levelTable(level).count();
+  const korassoc::detail::PackedLevel* sets = packedLevel(level);
+  return sets != nullptr ? sets->count() : 0;
+}
+
 int SetDictionary::getLevelSize(int level) const {
-  int size = levelTable(level).count();
+  int size = countInMemory(level);
   if (spillsLevel(level) && spillStore_->isOpen()) size += spillStore_->size();
   return size;
 }
 
 int SetDictionary::getTotalSetCount() const {
   int total = 1;
-  for (int level = 1;
-       level <= maxLevel_ && static_cast<std::size_t>(level) < std::max<std::size_t>(levels_.size(), 2);
-       ++level) {
-    total += getLevelSize(level);
-  }
+  const int highest = std::min(maxLevel_, std::max(storedLevels(), 1));
+  for (int level = 1; level <= highest; ++level) total += getLevelSize(level);
   return total;
 }
 
@@ -101,9 +107,7 @@ int SetDictionary::getHighestLevel() const {
 int SetDictionary::getSizeAboveLevel(int level) const {
   if (level >= maxLevel_) return 0;
   int size = 0;
-  for (auto above = static_cast<std::size_t>(std::max(level, -1) + 1); above < levels_.size(); ++above) {
-    if (levels_[above] != nullptr) size += levels_[above]->count();
-  }
+  for (int above = std::max(level, -1) + 1; above <= storedLevels(); ++above) size += countInMemory(above);
   return size;
 }
 
@@ -275,6 +279,7 @@ SetCounter* SetDictionary::incrementSet(const OrderedArray& set) { return increm
 
 void SetDictionary::prepareExactCounting(int fromLevel) {
   noteCounting();
+  unpack();
   itemBits_->reset();
   for (std::size_t level = static_cast<std::size_t>(std::max(fromLevel, 0)); level < levels_.size();
        ++level) {

@@ -28,6 +28,7 @@ class SpillStore;
 namespace korassoc::detail {
 struct CompleteItemsets;
 class LatticeGraph;
+class PackedLevel;
 class SubsetIndex;
 }  // namespace korassoc::detail
 
@@ -35,6 +36,11 @@ class SubsetIndex;
 //
 //   levels_[0]  the empty set, whose count is the number of transactions
 //   levels_[k]  the sets of k items
+//
+// As long as nothing but phase I without a limit has been at work, the sets of one and more items are packed:
+// they stand in packed_ instead of levels_, in a third of the memory. The first call that hands out a set or
+// its descriptor, or stores one of the caller's, unpacks all of them for good; what can be asked shows no
+// difference.
 //
 // While transactions are read, sets are added and counted under a limit of sets in memory: at the limit the
 // head of the small queue makes room, moving to the spill file (one-item sets, when spilling is on) or being
@@ -243,6 +249,12 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   // incrementSet() that also tells where the stored items are (those of the argument for a set on disk).
   Counted increment(const ItemSetView& set);
   SetCounter* find(const ItemSetView& set);
+  // Whether the sets are packed, and those of one length, 1 or more, then (null: never held one).
+  bool isPacked() const { return packed_ != nullptr; }
+  korassoc::detail::PackedLevel* packedLevel(int length) const {
+    const auto index = static_cast<std::size_t>(length);
+    return index < packed_->size() ? (*packed_)[index].get() : nullptr;
+  }
   // False when no set of this length and code is stored, in memory or on disk.
   bool mayHold(int length, std::uint64_t code) const {
     if (spillStore_ != nullptr) return true;
@@ -280,7 +292,10 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   // Most items of a stored set.
   int maxLevel() const { return maxLevel_; }
   // The highest level that ever held a set; unlike getHighestLevel() it looks past empty levels.
-  int storedLevels() const { return static_cast<int>(levels_.size()) - 1; }
+  int storedLevels() const {
+    return static_cast<int>(packed_ != nullptr ? std::max(packed_->size(), levels_.size()) : levels_.size()) -
+           1;
+  }
   // The table of one level, 0 <= level; an empty one for a level that never held a set.
   const HashTable& levelTable(int level) const;
   bool isLatticeBuilt() const { return latticeBuilt_; }
@@ -313,9 +328,21 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   int initialBuckets(int level) const;
   HashTable& table(int level);
   HashTable* tableOrNull(int level) const {
+    if (isPacked(level)) unpackAll();
     const auto index = static_cast<std::size_t>(level);  // one below 0 is beyond all
     return index < levels_.size() ? levels_[index].get() : nullptr;
   }
+  void unpack() const {
+    if (packed_ != nullptr) unpackAll();
+  }
+  void unpackAll() const;
+  bool mayBePacked() const;
+  bool isPacked(int level) const { return packed_ != nullptr && level != 0; }
+  void keepTable(int level, std::unique_ptr<HashTable> table);
+  int addPacked(const ItemSetView& set, const CarmaSetDescriptor& descriptor);
+  int countInMemory(int level) const;
+  template <typename Writer, typename Stream, typename... Tabs>
+  std::uint64_t writePacked(int level, Stream& stream, Tabs... tabs) const;
   bool spillsLevel(int level) const { return diskSpill_ && spillStore_ != nullptr && level == kSpillLevel; }
   ItemSetView selection(const int* values, const int* index, int n);
   template <typename Report>
@@ -336,8 +363,10 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   static void linkSubsets(const ItemSet& set, const korassoc::detail::SubsetIndex& subsets, int level);
 
   std::shared_ptr<HashTable::Pool> pool_ = std::make_shared<HashTable::Pool>();  // of the levels' entries
-  std::vector<std::unique_ptr<HashTable>> levels_;  // made when first needed; null: never held a set
-  HashTable noSets_{1};                             // what levelTable() answers for those
+  using PackedLevels = std::vector<std::unique_ptr<korassoc::detail::PackedLevel>>;
+  mutable std::vector<std::unique_ptr<HashTable>> levels_;  // made when first needed; null: never held a set
+  mutable std::unique_ptr<PackedLevels> packed_;            // null: the sets are unpacked
+  HashTable noSets_{1};                                     // what levelTable() answers for those
   std::unique_ptr<std::bitset<kItemBits>> itemBits_;
   ItemSet emptySet_;
   int maxLevel_;

@@ -7,6 +7,7 @@
 
 #include "korassoc/dictionary/CarmaSetDescriptor.h"
 #include "korassoc/dictionary/LatticeGraph.h"
+#include "korassoc/dictionary/PackedLevel.h"
 #include "korassoc/dictionary/SetDictionary.h"
 #include "korassoc/dictionary/SpillStore.h"
 #include "korassoc/engine/DictionarySettings.h"
@@ -88,6 +89,7 @@ int SetDictionary::addSet(const OrderedArray& values, const OrderedArray& index,
 }
 
 int SetDictionary::add(const ItemSetView& set, const CarmaSetDescriptor& descriptor) {
+  if (isPacked(set.length)) return addPacked(set, descriptor);
   const bool full = inStoreCount_ >= maxInStoreSets_;
   if (set.length <= maxLevel_ && !(full && diskSpill_)) {
     ItemSet key(set.items, set.length);
@@ -106,6 +108,19 @@ int SetDictionary::add(const ItemSetView& set, const CarmaSetDescriptor& descrip
   const int answer = addSet(set.items, set.length, owned.get());
   if (answer == kStored) static_cast<void>(owned.release());
   return answer;
+}
+
+// Packed sets have no queue, so that none of them can make room.
+int SetDictionary::addPacked(const ItemSetView& set, const CarmaSetDescriptor& descriptor) {
+  if (set.length > maxLevel_ || inStoreCount_ >= maxInStoreSets_) return kMemoryFull;
+  const auto level = static_cast<std::size_t>(set.length);
+  if (level >= packed_->size()) packed_->resize(level + 1);
+  std::unique_ptr<korassoc::detail::PackedLevel>& sets = (*packed_)[level];
+  if (sets == nullptr)
+    sets = std::make_unique<korassoc::detail::PackedLevel>(set.length, initialBuckets(set.length));
+  sets->add(set, descriptor);
+  ++inStoreCount_;
+  return kStored;
 }
 
 // Adds a set of at most maxLevel() items; a longer one has no table and is refused as by a full memory.
@@ -240,7 +255,10 @@ void SetDictionary::releaseEvictedBut(const std::vector<const SetCounter*>& used
   });
 }
 
-void SetDictionary::queuePush(ItemSet* set) { smallQueue_.push(set); }
+void SetDictionary::queuePush(ItemSet* set) {
+  unpack();
+  smallQueue_.push(set);
+}
 
 ItemSet* SetDictionary::queuePop() { return smallQueue_.pop(); }
 

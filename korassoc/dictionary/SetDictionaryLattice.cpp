@@ -9,6 +9,7 @@
 #include "korassoc/dictionary/CompleteItemsets.h"
 #include "korassoc/dictionary/LatticeGraph.h"
 #include "korassoc/dictionary/LatticeSetDescriptor.h"
+#include "korassoc/dictionary/PackedLevel.h"
 #include "korassoc/dictionary/SetDictionary.h"
 #include "korassoc/dictionary/SpillStore.h"
 #include "korassoc/dictionary/SubsetIndex.h"
@@ -115,11 +116,13 @@ void SetDictionary::adopt(const korassoc::detail::CompleteItemsets& itemsets) {
     for (std::size_t i = 0; i < sets.counts.size(); ++i) store(sets.set(i).data(), level + 1, sets.counts[i]);
   }
   levels_.swap(tables);
+  std::unique_ptr<PackedLevels> packed = std::move(packed_);
   std::unique_ptr<SpillStore> spilled = std::move(spillStore_);  // no part of the new sets
   try {
     linkLevels();
   } catch (...) {
     levels_.swap(tables);
+    packed_ = std::move(packed);
     spillStore_ = std::move(spilled);
     throw;
   }

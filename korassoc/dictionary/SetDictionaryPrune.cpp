@@ -1,8 +1,10 @@
 // Pruning, and the bits of the items that stored sets hold.
 
+#include <algorithm>
 #include <iostream>
 
 #include "korassoc/dictionary/LatticeGraph.h"
+#include "korassoc/dictionary/PackedLevel.h"
 #include "korassoc/dictionary/SetDictionary.h"
 #include "korassoc/dictionary/SpillStore.h"
 #include "korassoc/engine/DictionarySettings.h"
@@ -25,8 +27,11 @@ int SetDictionary::removeSmall(int level, double minCount) {
   if (!bitsetOff_ && level >= 2) clearLevelBits(level - 1);
   const int bound = korassoc::detail::pruneCountBound(minCount);
   int removed = 0;
-  HashTable* table = level > 0 ? tableOrNull(level) : nullptr;
-  if (table != nullptr) {
+  if (isPacked(level) && level > 0 && bitsetOff_) {
+    korassoc::detail::PackedLevel* sets = packedLevel(level);
+    removed = sets != nullptr ? sets->removeBelow(bound) : 0;
+    inStoreCount_ = std::max(inStoreCount_ - removed, 0);  // a restored count may be too small
+  } else if (HashTable* table = level > 0 ? tableOrNull(level) : nullptr) {
     table->sweep(
         [&](HashTable::Entry& entry) {
           if (!bitsetOff_ && !smallQueue_.empty()) smallQueue_.unlink(entry.key);
@@ -36,7 +41,7 @@ int SetDictionary::removeSmall(int level, double minCount) {
         },
         [&](HashTable::Entry* entry) {
           discard(entry, *table);
-          if (inStoreCount_ > 0) --inStoreCount_;  // a restored count may be too small
+          if (inStoreCount_ > 0) --inStoreCount_;
           ++removed;
         });
   }

@@ -9,8 +9,10 @@
 #include "korassoc/base/BinaryRecord.h"
 #include "korassoc/dictionary/DescriptorRecord.h"
 #include "korassoc/dictionary/LatticeGraph.h"
+#include "korassoc/dictionary/PackedLevel.h"
 #include "korassoc/dictionary/SetDictionary.h"
 #include "korassoc/dictionary/SpillStore.h"
+#include "korassoc/dictionary/TableRecordWriter.h"
 #include "korassoc/engine/DictionarySettings.h"
 #include "korassoc/engine/Exceptions.h"
 #include "korassoc/xml/XMLObj.h"
@@ -95,6 +97,7 @@ void SetDictionary::restart(const RecordHead& head) {
   graph_.reset();
   spillStore_.reset();
   levels_.clear();
+  packed_.reset();
   setOpen();
   itemBits_->reset();
   latticeBuilt_ = head.latticeBuilt;
@@ -110,17 +113,28 @@ void SetDictionary::restart(const RecordHead& head) {
 // Reads one table after the other by read(table, level); those that stay empty are not kept.
 template <typename Read>
 void SetDictionary::readTables(Read&& read) {
+  if (mayBePacked()) packed_ = std::make_unique<PackedLevels>();
   std::unique_ptr<HashTable> table;
   for (int level = 0;; ++level) {
-    if (table == nullptr) table = std::make_unique<HashTable>(1, pool_);
-    read(*table, level);
-    if (table->count() > 0) {
-      levels_.resize(static_cast<std::size_t>(level) + 1);
-      levels_.back().swap(table);
+    if (table == nullptr) {
+      table = packed_ != nullptr ? std::make_unique<HashTable>(1) : std::make_unique<HashTable>(1, pool_);
     }
+    read(*table, level);
+    if (table->count() > 0) keepTable(level, std::move(table));
     if (level == maxLevel_) break;
   }
   if (!bitsetOff_) markLevelBits(recordedSpillLevel_ - 1);
+}
+
+// What the level's table would write, tabs in front of each line of an object.
+template <typename Writer, typename Stream, typename... Tabs>
+std::uint64_t SetDictionary::writePacked(int level, Stream& stream, Tabs... tabs) const {
+  Writer writer(stream, countInMemory(level), tabs...);
+  if (const korassoc::detail::PackedLevel* sets = packedLevel(level)) {
+    sets->forEach(
+        [&writer](const ItemSet& set, const CarmaSetDescriptor& descriptor) { writer.add(set, descriptor); });
+  }
+  return writer.finish();
 }
 
 std::uint64_t SetDictionary::writeObject(std::fstream& stream) const {
@@ -136,7 +150,8 @@ std::uint64_t SetDictionary::writeObject(std::fstream& stream) const {
   record.flag(head.bitsetOff);
   std::uint64_t bytes = record.finish();
   for (int level = 0; stream.good(); ++level) {
-    bytes += levelTable(level).writeObject(stream);
+    bytes += isPacked(level) ? writePacked<korassoc::detail::TableRecordWriter>(level, stream)
+                             : levelTable(level).writeObject(stream);
     if (level == maxLevel_) break;
   }
   stream.flush();
@@ -178,7 +193,8 @@ std::uint64_t SetDictionary::writeObjectXML(std::ostream& out) const {
   object.WriteSubElement(out, head.bitsetOff);
   std::uint64_t lines = kValueLines + korassoc::detail::kFrameLines;
   for (int level = 0; out.good(); ++level) {
-    lines += levelTable(level).writeObjectXML(out, kXmlTabs + 1);
+    lines += isPacked(level) ? writePacked<korassoc::detail::TableObjectWriter>(level, out, kXmlTabs + 1)
+                             : levelTable(level).writeObjectXML(out, kXmlTabs + 1);
     if (level == maxLevel_) break;
   }
   object.EndObj(out);

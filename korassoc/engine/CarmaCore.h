@@ -2,25 +2,18 @@
 
 #pragma once
 
-#include <cstdint>
 #include <vector>
 
 #include "korassoc/dictionary/SetDictionary.h"
 #include "korassoc/engine/ExactCounter.h"
 #include "korassoc/engine/KorStatus.h"
+#include "korassoc/engine/PhaseIStep.h"
 #include "korassoc/engine/Transaction.h"
 
-// CarmaCore counts a transaction's stored subsets and, in phase I, adds the candidates that it calls for.
-//
-// The phase I step keeps a work list of the stored sets that the transaction holds, in the order in which
-// they are found; each further item of the transaction extends every set on it by one item:
-//
-//   items_   1  3  8                                 the transaction, ascending
-//   work_    {1}  {3} {1 3}  {8} {1 8} {3 8} ...     only stored sets whose one-item sets reach the threshold
+// CarmaCore counts a transaction's stored subsets and, in phase I, adds the candidates that it calls for
+// (PhaseIStep).
 //
 // Ownership: owns its buffers; knows a dictionary only during a call.
-// Cost of a step: one look-up for each pair of a work list entry and a later item. Where the dictionary is
-// closed under taking subsets, the pair {1 3}, 8 is passed over when {1 8} is not stored.
 class CarmaCore {
  public:
   // maxLengthSet: most items of a stored set. maxTranLength: items that room is made for; longer transactions
@@ -55,8 +48,8 @@ class CarmaCore {
   double averageExtension() const { return aveExt_; }
   int maxExtension() const { return maxExt_; }
   // Items of the longest candidate formed, and of the longest set added.
-  int longestCandidate() const { return longestCandidate_; }
-  int longAdded() const { return longAdded_; }
+  int longestCandidate() const { return records_.longestCandidate; }
+  int longAdded() const { return records_.longAdded; }
   // The average support (fraction) after the last transaction.
   double averageSupport() const { return sigma_; }
   double meanLength() const { return meanLength_; }
@@ -67,43 +60,14 @@ class CarmaCore {
   void restoreStatistics(double averageExtension, int maxExtension, int longestCandidate, int longAdded);
 
  private:
-  struct Found {
-    const int* items;  // as stored in the dictionary; of a set on disk, in items_
-    int length;
-    int parent;  // the place of this set without its last item; -1: of a set of one item
-    std::uint64_t code;
-    SetCounter* descriptor;
-  };
-  // What the step decides by, computed once for a transaction.
-  struct Bounds {
-    int extendFrom;    // count of a one-item set from which on it is extended
-    int supportBound;  // a set whose upper bound stays below it is no candidate
-    int missedBefore;  // transactions that a set may have missed by the thresholds so far
-    double averageSupport;
-  };
-
   void fetch(const Transaction& transaction);
-  bool handleItem(SetDictionary& dictionary, const int& item, const Bounds& bounds);
-  bool extendAll(SetDictionary& dictionary, std::size_t parents, const ItemSetView& item,
-                 const SetCounter& single, const Bounds& bounds);
-  bool extend(SetDictionary& dictionary, std::size_t place, const ItemSetView& item, const SetCounter& single,
-              const Bounds& bounds);
-  ItemSetView candidate(const Found& parent, const ItemSetView& item);
-  static long long missedPair(const SetCounter& single, const Bounds& bounds, long long parentBound);
-  bool checkSubsets(SetDictionary& dictionary, const ItemSetView& candidate, const Bounds& bounds,
-                    long long parentBound, long long& missed);
-  bool add(SetDictionary& dictionary, const ItemSetView& set, int missed);
-  void releaseUnused(SetDictionary& dictionary);
+  template <typename Step>
+  bool runStep(Step& step, SetDictionary& dictionary, const korassoc::detail::StepBounds& bounds);
 
-  int maxLengthSet_;
-  std::vector<int> items_;      // the transaction's items, ascending, repeats kept
-  std::vector<int> candidate_;  // a stored set and one more item
-  std::vector<int> subset_;     // the candidate without one of its items
-  std::vector<Found> work_;
-  std::vector<char> extended_;           // by place: whether the set with the item at hand is stored
-  bool closed_ = false;                  // of the transaction at hand: see SetDictionary::isClosed()
-  std::vector<const SetCounter*> used_;  // the descriptors on the work list, ascending, to look one up
-  int heldOfUse_ = 0;                    // evicted sets that were on the work list when last looked
+  std::vector<int> items_;  // the transaction's items, ascending, repeats kept
+  korassoc::detail::PhaseIStep<korassoc::detail::EntrySets> entryStep_;
+  korassoc::detail::PhaseIStep<korassoc::detail::PackedSets> packedStep_;
+  korassoc::detail::StepRecords records_;
   korassoc::detail::ExactCounter exact_;
   int nTrans_ = 0;
   int nTransII_ = 0;
@@ -112,6 +76,4 @@ class CarmaCore {
   int maxLength_ = 0;
   double aveExt_ = 0.0;
   int maxExt_ = 0;
-  int longestCandidate_ = 0;
-  int longAdded_ = 0;
 };

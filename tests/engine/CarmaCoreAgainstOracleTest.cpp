@@ -28,45 +28,67 @@ void apply(const oracle::PlainSettings& plain, DictionarySettings& settings) {
 
 class CarmaCoreAgainstOracle : public testing::TestWithParam<int> {};
 
-TEST_P(CarmaCoreAgainstOracle, EveryStepAndPruningLeavesTheSameTables) {
-  for (std::uint64_t seed = 0; seed < 40; ++seed) {
-    const RandomRun run = randomRun(static_cast<std::uint64_t>(GetParam()) * 1000 + seed);
-    Dice dice(seed + 77);
-    DictionarySettings settings;
-    apply(run.settings, settings);
-    SetDictionary dictionary(run.settings.maxLengthSet, &settings, true);
-    auto emptySet = std::make_unique<CarmaSetDescriptor>(0, 0, 0);
-    ASSERT_TRUE(dictionary.addEmptySet(emptySet.get()));
-    emptySet.release();
-    CarmaCore core(run.settings.maxLengthSet, 3);
-    oracle::PlainDictionary plain(run.settings);
-    plain.addEmptySet();
-    oracle::PlainStep step(run.settings.maxLengthSet, plain);
+// A run of steps and prunings with bounds drawn at random. A look at the tables unpacks the sets, so the run
+// is looked at from one step on; until then they are packed.
+void runBoth(std::uint64_t seed, std::size_t firstLook) {
+  const RandomRun run = randomRun(seed);
+  Dice dice(seed + 77);
+  DictionarySettings settings;
+  apply(run.settings, settings);
+  SetDictionary dictionary(run.settings.maxLengthSet, &settings, true);
+  auto emptySet = std::make_unique<CarmaSetDescriptor>(0, 0, 0);
+  ASSERT_TRUE(dictionary.addEmptySet(emptySet.get()));
+  emptySet.release();
+  CarmaCore core(run.settings.maxLengthSet, 3);
+  oracle::PlainDictionary plain(run.settings);
+  plain.addEmptySet();
+  oracle::PlainStep step(run.settings.maxLengthSet, plain);
 
-    double sigma = 0;
-    double supportCount = 1.0;
-    for (std::size_t t = 0; t < run.transactions.size(); ++t) {
-      const double previous = sigma;
-      if (dice.chance(30)) sigma = dice.oneOf<double>({0.0, 0.05, 0.2, 0.25, 1.0 / 3, 0.5, 1.0, 7.5});
-      if (dice.chance(10))
-        supportCount = dice.oneOf<double>({0.0, 0.5, 1.0, 2.0, 2.5, 3.0000000000000004, 9.0});
-      const VectorTransaction transaction(run.transactions[t]);
-      ASSERT_TRUE(core.step(dictionary, transaction, previous, sigma, supportCount).IsOK());
-      step.run(run.transactions[t], previous, sigma, supportCount);
+  double sigma = 0;
+  double supportCount = 1.0;
+  for (std::size_t t = 0; t < run.transactions.size(); ++t) {
+    const double previous = sigma;
+    if (dice.chance(30)) sigma = dice.oneOf<double>({0.0, 0.05, 0.2, 0.25, 1.0 / 3, 0.5, 1.0, 7.5});
+    if (dice.chance(10))
+      supportCount = dice.oneOf<double>({0.0, 0.5, 1.0, 2.0, 2.5, 3.0000000000000004, 9.0});
+    const VectorTransaction transaction(run.transactions[t]);
+    ASSERT_EQ(dictionary.isPacked(), t <= firstLook);
+    ASSERT_TRUE(core.step(dictionary, transaction, previous, sigma, supportCount).IsOK());
+    step.run(run.transactions[t], previous, sigma, supportCount);
+    ASSERT_EQ(dictionary.getTotalSetCount(), plain.totalSetCount());
+    if (t >= firstLook) {
       ASSERT_EQ(firstDifference(dictionary, plain), "") << "seed " << seed << ", transaction " << t + 1;
-      if (dice.chance(8)) {
-        const double minCount = dice.oneOf<double>({1.0, 1.5, 2.0, 2.9999999999999996, 4.2});
-        ASSERT_EQ(dictionary.removeSmallSets(minCount), plain.removeSmallSets(minCount));
+    }
+    if (dice.chance(8)) {
+      const double minCount = dice.oneOf<double>({1.0, 1.5, 2.0, 2.9999999999999996, 4.2});
+      ASSERT_EQ(dictionary.removeSmallSets(minCount), plain.removeSmallSets(minCount));
+      if (t >= firstLook) {
         ASSERT_EQ(firstDifference(dictionary, plain), "") << "seed " << seed << ", pruning at " << t + 1;
       }
     }
-    EXPECT_EQ(core.transactions(), step.nTrans);
-    EXPECT_EQ(core.averageExtension(), step.aveExt);
-    EXPECT_EQ(core.maxExtension(), step.maxExt);
-    EXPECT_EQ(core.longestCandidate(), step.longestCandidate);
-    EXPECT_EQ(core.longAdded(), step.longAdded);
-    EXPECT_EQ(core.meanLength(), step.meanLength);
-    EXPECT_EQ(core.maxLength(), step.maxLength);
+  }
+  ASSERT_EQ(firstDifference(dictionary, plain), "") << "seed " << seed;
+  EXPECT_EQ(core.transactions(), step.nTrans);
+  EXPECT_EQ(core.averageExtension(), step.aveExt);
+  EXPECT_EQ(core.maxExtension(), step.maxExt);
+  EXPECT_EQ(core.longestCandidate(), step.longestCandidate);
+  EXPECT_EQ(core.longAdded(), step.longAdded);
+  EXPECT_EQ(core.meanLength(), step.meanLength);
+  EXPECT_EQ(core.maxLength(), step.maxLength);
+}
+
+TEST_P(CarmaCoreAgainstOracle, EveryStepAndPruningLeavesTheSameTables) {
+  for (std::uint64_t seed = 0; seed < 40; ++seed)
+    ASSERT_NO_FATAL_FAILURE(runBoth(static_cast<std::uint64_t>(GetParam()) * 1000 + seed, 0));
+}
+
+TEST_P(CarmaCoreAgainstOracle, TheTablesAreTheSameWheneverTheyAreLookedAt) {
+  constexpr std::size_t kNever = 1 << 30;
+  for (std::uint64_t seed = 0; seed < 100; ++seed) {
+    const std::uint64_t run = static_cast<std::uint64_t>(GetParam()) * 1000 + seed;
+    const std::size_t transactions = randomRun(run).transactions.size();
+    ASSERT_NO_FATAL_FAILURE(runBoth(run, kNever));
+    ASSERT_NO_FATAL_FAILURE(runBoth(run, transactions / 2));
   }
 }
 

@@ -1,0 +1,137 @@
+#include "korassoc/dictionary/PackedLevel.h"
+
+#include <algorithm>
+#include <numeric>
+#include <typeinfo>
+
+#include "korassoc/itemsets/ItemHash.h"
+
+namespace korassoc::detail {
+
+PackedLevel::PackedLevel(int length, int initialBuckets)
+    : length_(length), stride_(kItems + static_cast<std::size_t>(length)), buckets_(initialBuckets) {}
+
+// The sets in the reverse order of the table: each chain from its end, so that the largest number is its
+// head.
+PackedLevel::PackedLevel(int length, const HashTable& table)
+    : length_(length),
+      stride_(kItems + static_cast<std::size_t>(length)),
+      buckets_(table.bucketCount(), table.modCount()) {
+  std::vector<const HashTable::Entry*> entries;
+  entries.reserve(static_cast<std::size_t>(table.count()));
+  table.forEach([&entries](const HashTable::Entry& entry) { entries.push_back(&entry); });
+  cells_.reserve(entries.size() * stride_);
+  index_.makeRoomFor(entries.size());
+  for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
+    append((*entry)->key->getTheArray(), static_cast<const CarmaSetDescriptor&>(*(*entry)->descriptor));
+    enroll(static_cast<Number>(count_ - 1));
+  }
+}
+
+bool PackedLevel::canHold(int length, const HashTable& table) {
+  bool can = length > 0;
+  table.forEach([&](const HashTable::Entry& entry) {
+    const SetCounter* descriptor = entry.descriptor;
+    can = can && entry.key->length() == length && descriptor != nullptr &&
+          typeid(*descriptor) == typeid(CarmaSetDescriptor) && descriptor->TID >= 0;
+  });
+  return can;
+}
+
+PackedLevel::Number PackedLevel::find(const ItemSetView& set) const {
+  return find(set.code,
+              [&set](const int* items) { return std::equal(set.items, set.items + set.length, items); });
+}
+
+// Makes room for one set more, so that adding it does not fail.
+void PackedLevel::makeRoom() {
+  constexpr std::size_t kFirstSets = 16;
+  index_.makeRoom();
+  if (cells_.size() + stride_ > cells_.capacity())
+    cells_.reserve(std::max(kFirstSets * stride_, cells_.size() + cells_.size() / 2));
+  if (growths_.size() == growths_.capacity()) growths_.reserve(growths_.size() + 8);
+}
+
+void PackedLevel::add(const ItemSetView& set, const CarmaSetDescriptor& descriptor) {
+  makeRoom();
+  const auto number = static_cast<Number>(count_);
+  if (buckets_.isDue(count())) {
+    growths_.push_back({number, buckets_});
+    buckets_ = buckets_.grown();
+  }
+  append(set.items, descriptor);
+  index_.add(set.code, number);
+}
+
+void PackedLevel::append(const int* items, const CarmaSetDescriptor& descriptor) {
+  cells_.push_back(descriptor.count);
+  cells_.push_back(descriptor.TID);
+  cells_.push_back(descriptor.maxMissed);
+  cells_.insert(cells_.end(), items, items + length_);
+  ++count_;
+}
+
+int PackedLevel::removeBelow(int bound) {
+  auto growth = growths_.begin();
+  Number kept = 0;
+  for (Number number = 0; number < count_; ++number) {
+    for (; growth != growths_.end() && growth->sets == number; ++growth) growth->sets = kept;
+    if (countOf(number) < bound) continue;
+    closeGap(number, kept++);
+  }
+  for (; growth != growths_.end(); ++growth) growth->sets = kept;
+  const auto removed = static_cast<int>(count_ - kept);
+  if (removed == 0) return 0;
+  count_ = kept;
+  cells_.resize(count_ * stride_);
+  index_.empty();
+  for (Number number = 0; number < kept; ++number) enroll(number);
+  return removed;
+}
+
+void PackedLevel::closeGap(Number from, Number to) {
+  if (from == to) return;
+  const int* source = record(from);
+  std::copy(source, source + stride_, cells_.data() + to * stride_);
+}
+
+// The first so many of the order, by rising bucket, each chain from its head.
+void PackedLevel::sortByBuckets(const BucketGrowth& buckets, std::vector<Number>& order,
+                                std::size_t end) const {
+  struct Place {
+    std::uint64_t key;  // the bucket and, from the head down, the place in its chain
+    Number number;
+    bool operator<(const Place& other) const { return key < other.key; }
+  };
+  std::vector<Place> places;
+  places.reserve(end);
+  for (std::size_t i = 0; i < end; ++i) {
+    const std::uint64_t bucket = buckets.bucketOf(hashItems(items(order[i]), length_));
+    places.push_back({bucket << 32U | (end - i), order[i]});
+  }
+  std::sort(places.begin(), places.end());
+  std::transform(places.begin(), places.end(), order.begin(),
+                 [](const Place& place) { return place.number; });
+}
+
+// The sets in an order in which each chain goes from its end to its head.
+std::vector<PackedLevel::Number> PackedLevel::chainOrder() const {
+  std::vector<Number> order(count_);
+  std::iota(order.begin(), order.end(), Number{0});
+  for (const Growth& growth : growths_) sortByBuckets(growth.former, order, growth.sets);
+  return order;
+}
+
+std::vector<PackedLevel::Number> PackedLevel::tableOrder() const {
+  std::vector<Number> order = chainOrder();
+  sortByBuckets(buckets_, order, order.size());
+  return order;
+}
+
+void PackedLevel::fill(HashTable& table) const {
+  table.resetBuckets(buckets_.bucketCount(), buckets_.modCount());
+  for (const Number number : chainOrder())
+    table.emplace(ItemSetView(items(number), length_), descriptor(number));
+}
+
+}  // namespace korassoc::detail

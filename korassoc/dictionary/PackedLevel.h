@@ -1,0 +1,117 @@
+// The sets of one size while the first pass counts them.
+
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+#include "korassoc/dictionary/BucketGrowth.h"
+#include "korassoc/dictionary/CarmaSetDescriptor.h"
+#include "korassoc/dictionary/CodeIndex.h"
+#include "korassoc/dictionary/HashTable.h"
+#include "korassoc/itemsets/ItemSetView.h"
+
+namespace korassoc::detail {
+
+// PackedLevel holds what a HashTable of sets with CarmaSetDescriptors would hold, in the same order of
+// buckets and chains, without their objects:
+//
+//   cells_   [ count | TID | max missed | item | item ]  [ count | ... ]      one record a set, by number
+//   index_   from the code of a set to its number
+//
+// The first pass adds sets at the end and counts them; pruning closes the gaps. No chain is kept: a new set
+// goes to the head of its chain, so within a bucket the chain is the order of the numbers, from the largest
+// down. Growing moves every chain in turn, entry by entry, to the heads of the new ones, which is another
+// order of the sets stored until then. Nobody sees it before the order is asked for, so that growing is noted
+// (growths_) and carried out then, on those that are left; pruning takes sets out of an order and changes
+// nothing else about it.
+//
+// Cost: find, add O(1); prune O(n), in the order of memory; the order O(n log n) for every growth.
+// Memory of a pair: 20 bytes and the index's 11 to 21.
+class PackedLevel {
+ public:
+  using Number = std::uint32_t;
+  static constexpr Number kNone = CodeIndex::kNone;
+
+  // For sets of so many items, at least one.
+  PackedLevel(int length, int initialBuckets);
+  // What the table holds, which canHold() has to be true of.
+  PackedLevel(int length, const HashTable& table);
+  // Whether all sets of the table have so many items and a CarmaSetDescriptor.
+  static bool canHold(int length, const HashTable& table);
+
+  int count() const { return static_cast<int>(count_); }
+
+  // The set with this code for which matches(items) answers true, or kNone.
+  template <typename Matches>
+  Number find(std::uint64_t code, Matches&& matches) const {
+    return index_.find(code, [&](Number number) { return matches(items(number)); });
+  }
+  Number find(const ItemSetView& set) const;
+  // Starts to fetch what find() looks at first.
+  void prefetch(std::uint64_t code) const { index_.prefetchHome(code); }
+
+  // Adds a set of the level's length that is not stored yet. Changes nothing when memory runs out. Pointers
+  // to items and counts become invalid.
+  void add(const ItemSetView& set, const CarmaSetDescriptor& descriptor);
+
+  // A stored set. Numbers stay until something is pruned.
+  const int* items(Number number) const { return record(number) + kItems; }
+  int countOf(Number number) const { return record(number)[kCount]; }
+  int transactionOf(Number number) const { return record(number)[kTransaction] & ~kExtendedBit; }
+  int maxMissedOf(Number number) const { return record(number)[kMaxMissed]; }
+  // Counts one more transaction; a count at the top of its range stays there.
+  void increment(Number number) {
+    int& count = cells_[number * stride_ + kCount];
+    if (count < SetCounter::kMaxCount) ++count;
+  }
+
+  // Whether note was taken that a superset of this set is stored.
+  bool isExtended(Number number) const { return (record(number)[kTransaction] & kExtendedBit) != 0; }
+  void noteExtended(Number number) { cells_[number * stride_ + kTransaction] |= kExtendedBit; }
+
+  // Removes the sets with a smaller count than bound; returns how many. Does not fail.
+  int removeBelow(int bound);
+
+  // Puts the sets into an empty table.
+  void fill(HashTable& table) const;
+  // Calls visit(const ItemSet&, const CarmaSetDescriptor&) for every set, in the order of the table.
+  template <typename Visitor>
+  void forEach(Visitor&& visit) const {
+    for (const Number number : tableOrder()) visit(ItemSet(items(number), length_), descriptor(number));
+  }
+
+ private:
+  // The table grew when it held so many sets.
+  struct Growth {
+    Number sets;
+    BucketGrowth former;
+  };
+  static constexpr int kExtendedBit =
+      std::numeric_limits<int>::min();  // numbers of transactions leave it free
+  enum Cell : std::size_t { kCount, kTransaction, kMaxMissed, kItems };
+
+  const int* record(Number number) const { return cells_.data() + number * stride_; }
+  CarmaSetDescriptor descriptor(Number number) const {
+    return CarmaSetDescriptor(countOf(number), transactionOf(number), maxMissedOf(number));
+  }
+  void makeRoom();
+  void append(const int* items, const CarmaSetDescriptor& descriptor);
+  void enroll(Number number) { index_.add(setCode(items(number), length_), number); }
+  void closeGap(Number from, Number to);
+  std::vector<Number> chainOrder() const;
+  std::vector<Number> tableOrder() const;
+  void sortByBuckets(const BucketGrowth& buckets, std::vector<Number>& order, std::size_t end) const;
+
+  int length_;
+  std::size_t stride_;  // cells of a record
+  std::size_t count_ = 0;
+  std::vector<int> cells_;
+  CodeIndex index_;
+  BucketGrowth buckets_;
+  std::vector<Growth> growths_;  // in their order
+};
+
+}  // namespace korassoc::detail

@@ -1,0 +1,42 @@
+// The sets as phase I keeps them while nobody asks for a set or its descriptor.
+
+#include <algorithm>
+#include <utility>
+
+#include "korassoc/dictionary/PackedLevel.h"
+#include "korassoc/dictionary/SetDictionary.h"
+#include "korassoc/dictionary/SpillStore.h"
+
+using korassoc::detail::PackedLevel;
+
+// Sets that may have to make room for others stand in a queue, and so are objects.
+bool SetDictionary::mayBePacked() const {
+  return leaveInMainStoreCount_ < 1 && !diskSpill_ && bitsetOff_ && !latticeBuilt_ && smallQueue_.empty();
+}
+
+// Leaves everything as it was when memory runs out.
+void SetDictionary::unpackAll() const {
+  std::vector<std::unique_ptr<HashTable>> tables(std::max(packed_->size(), levels_.size()));
+  for (std::size_t level = 1; level < packed_->size(); ++level) {
+    const PackedLevel* sets = (*packed_)[level].get();
+    if (sets == nullptr) continue;
+    tables[level] = std::make_unique<HashTable>(1, pool_);
+    sets->fill(*tables[level]);
+  }
+  if (!levels_.empty()) tables[0] = std::move(levels_[0]);
+  levels_ = std::move(tables);
+  packed_.reset();
+}
+
+// Keeps a table that was read, packed if the tables before it are and it can be.
+void SetDictionary::keepTable(int level, std::unique_ptr<HashTable> table) {
+  const auto index = static_cast<std::size_t>(level);
+  if (isPacked(level) && PackedLevel::canHold(level, *table)) {
+    if (index >= packed_->size()) packed_->resize(index + 1);
+    (*packed_)[index] = std::make_unique<PackedLevel>(level, *table);
+    return;
+  }
+  if (isPacked(level)) unpackAll();
+  levels_.resize(index + 1);
+  levels_[index] = std::move(table);
+}
