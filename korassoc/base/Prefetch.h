@@ -10,6 +10,7 @@ namespace korassoc::detail {
 inline void prefetch([[maybe_unused]] const void* address) {
 #if defined(__GNUC__)
   __builtin_prefetch(address);
+  asm volatile("" : : "r"(address));  // GCC drops calls of functions that do nothing but prefetch
 #endif
 }
 

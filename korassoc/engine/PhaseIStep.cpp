@@ -10,7 +10,7 @@ namespace korassoc::detail {
 
 namespace {
 
-constexpr std::size_t kAhead = 24;  // look-ups whose memory is on its way
+constexpr std::size_t kAhead = 12;  // look-ups whose memory is on its way
 
 int toCount(long long occurrences) {
   constexpr long long kLowest = std::numeric_limits<int>::min();
@@ -37,6 +37,7 @@ bool PhaseIStep<Sets>::run(SetDictionary& dictionary, const std::vector<int>& it
                            StepRecords& records) {
   const EvictionHold hold(dictionary);
   work_.clear();
+  parents_.clear();
   heldOfUse_ = 0;
   Run run{dictionary, Sets(dictionary), bounds, records, dictionary.isClosed(), items.data() + items.size()};
   return std::all_of(items.begin(), items.end(), [&](const int& item) { return handleItem(run, item); });
@@ -45,60 +46,57 @@ bool PhaseIStep<Sets>::run(SetDictionary& dictionary, const std::vector<int>& it
 // item: an element of the transaction. False when the dictionary refused a new set.
 template <typename Sets>
 bool PhaseIStep<Sets>::handleItem(Run& run, const int& item) {
-  const ItemSetView single(&item, 1);
-  const Set found = run.sets.increment(1, single.code, [&single] { return single; });
-  if (Sets::isNone(found)) return add(run, single, 0);
-  const int count = run.sets.count(found, 1);
-  if (count < run.bounds.extendFrom || maxLengthSet_ < 2) return true;
-  const std::size_t parents = work_.size();
-  work_.push_back({found, 1, -1, false, single.code});
+  const CodedItem coded(item);
+  const Met met = run.sets.meet(item, coded.code);
+  if (!met.isStored()) return add(run, ItemSetView(&item, 1, coded.code), 0);
+  if (met.count < run.bounds.extendFrom || maxLengthSet_ < 2) return true;
+  const std::size_t parents = parents_.size();
+  const std::size_t places = work_.size();
+  const int longest = run.longest;
+  push(run, {met.set, 1, -1, coded.code}, false);
   if (&item + 1 != run.end) {
-    const std::uint64_t nextCode = itemCode(*(&item + 1));
-    for (std::size_t i = 0; i < std::min(parents + 1, kAhead); ++i) prefetch(run, work_[i], nextCode);
+    const CodedItem next(*(&item + 1));
+    for (std::size_t i = 0; i < std::min(parents + 1, kAhead); ++i) prefetch(run, i, next);
   }
-  return extendAll(run, parents, single, count);
-}
-
-// Extends the first so many sets of the work list. False when the dictionary refused a candidate.
-template <typename Sets>
-bool PhaseIStep<Sets>::extendAll(Run& run, std::size_t parents, const ItemSetView& item, int singleCount) {
-  extended_.assign(parents, 0);
-  for (std::size_t i = 0; i < parents; ++i) {
-    if (i + kAhead < parents) prefetch(run, work_[i + kAhead], item.code);
-    const Found& parent = work_[i];
-    if (run.closed && parent.parent >= 0 &&
-        (parent.barren || extended_[static_cast<std::size_t>(parent.parent)] == 0)) {
-      run.records.longestCandidate = std::max(run.records.longestCandidate, parent.length + 1);
-    } else if (!extend(run, i, item, singleCount)) {
-      return false;
-    }
-  }
+  extended_.assign(places, 0);
+  if (!extendAll(run, parents, coded, met.count)) return false;
+  if (places > 0) run.records.longestCandidate = std::max(run.records.longestCandidate, longest + 1);
   return true;
 }
 
-// Starts to fetch what looking for the parent with an item added needs first.
+// Extends the first so many parents. False when the dictionary refused a candidate.
 template <typename Sets>
-void PhaseIStep<Sets>::prefetch(const Run& run, const Found& parent, std::uint64_t itemCode) {
-  if (!parent.barren) run.sets.prefetch(parent.length + 1, parent.code + itemCode);
+bool PhaseIStep<Sets>::extendAll(Run& run, std::size_t parents, const CodedItem& item, int singleCount) {
+  for (std::size_t i = 0; i < parents; ++i) {
+    if (i + kAhead < parents) prefetch(run, i + kAhead, item);
+    const std::size_t place = parents_[i];
+    const int parent = work_[place].parent;
+    if (run.closed && parent >= 0 && extended_[static_cast<std::size_t>(parent)] == 0) continue;
+    if (extend(run, place, item, singleCount)) continue;
+    for (std::size_t tried = 0; tried <= place; ++tried)
+      run.records.longestCandidate = std::max(run.records.longestCandidate, work_[tried].length + 1);
+    return false;
+  }
+  return true;
 }
 
 // Counts the set at a place of the work list with item added, or makes it a candidate. False when the
 // dictionary refused it.
 template <typename Sets>
-bool PhaseIStep<Sets>::extend(Run& run, std::size_t place, const ItemSetView& item, int singleCount) {
+bool PhaseIStep<Sets>::extend(Run& run, std::size_t place, const CodedItem& item, int singleCount) {
   const Found parent = work_[place];  // the list may move
-  const int length = parent.length + 1;
   const std::uint64_t code = parent.code + item.code;
-  run.records.longestCandidate = std::max(run.records.longestCandidate, length);
-  const Set found = run.sets.increment(length, code, [&] { return candidate(run, parent, item); });
-  if (!Sets::isNone(found)) {
-    const bool barren = isBarren(run, found, length);
+  const Met met = run.sets.meet(parent.set, parent.length, item, code, candidate_);
+  const int length = parent.length + 1;
+  if (met.isStored()) {
+    const bool barren = run.closed && isBarren(run, met);
     extended_[place] = barren ? 0 : 1;
-    if (length < maxLengthSet_) work_.push_back({found, length, static_cast<int>(place), barren, code});
+    if (length < maxLengthSet_) push(run, {met.set, length, static_cast<int>(place), code}, barren);
     return true;
   }
   const StepBounds& bounds = run.bounds;
-  const long long parentBound = upperBound(run, parent.set, parent.length) - 1;  // before this transaction
+  const long long parentBound =
+      run.sets.upperBound(parent.set, parent.length) - 1;  // before this transaction
   if (parentBound + 1 < bounds.supportBound) return true;
   if (length == 2) {
     const long long missed = std::min({singleCount - 1LL, parentBound, bounds.missedBefore + 1LL});
@@ -114,23 +112,33 @@ bool PhaseIStep<Sets>::extend(Run& run, std::size_t place, const ItemSetView& it
 }
 
 template <typename Sets>
-bool PhaseIStep<Sets>::isBarren(const Run& run, const Set& set, int length) const {
-  if (run.sets.isExtended(set, length)) return false;
-  const long long bound = upperBound(run, set, length);
-  return bound < run.bounds.supportBound &&
-         run.bounds.averageSupport > static_cast<double>(bound) / run.bounds.transaction;
+void PhaseIStep<Sets>::push(Run& run, const Found& found, bool barren) {
+  if (!barren) parents_.push_back(static_cast<std::uint32_t>(work_.size()));
+  work_.push_back(found);
+  run.longest = std::max(run.longest, found.length);
+}
+
+// Starts to fetch what looking for a parent with an item added needs first.
+template <typename Sets>
+void PhaseIStep<Sets>::prefetch(const Run& run, std::size_t parent, const CodedItem& item) const {
+  const Found& found = work_[parents_[parent]];
+  run.sets.prefetch(found.length + 1, found.code + item.code);
+}
+
+// Whether no superset of a set is stored and none may be added by this transaction.
+template <typename Sets>
+bool PhaseIStep<Sets>::isBarren(const Run& run, const Met& met) const {
+  return !met.isExtended && met.upperBound < run.bounds.supportBound &&
+         run.bounds.averageSupport > static_cast<double>(met.upperBound) / run.bounds.transaction;
 }
 
 // The parent's set with item added; it lasts until the next is asked for.
 template <typename Sets>
-ItemSetView PhaseIStep<Sets>::candidate(const Run& run, const Found& parent, const ItemSetView& item) {
-  const auto last = static_cast<std::size_t>(parent.length);
-  if (candidate_.size() <= last) candidate_.resize(last + 1);
-  int* const items = candidate_.data();
-  const int* const parentItems = run.sets.items(parent.set, parent.length);
-  for (std::size_t i = 0; i < last; ++i) items[i] = parentItems[i];
-  items[last] = item.items[0];
-  return ItemSetView(items, parent.length + 1, parent.code + item.code);
+ItemSetView PhaseIStep<Sets>::candidate(const Run& run, const Found& parent, const CodedItem& item) {
+  const int* const items = run.sets.items(parent.set, parent.length);
+  candidate_.assign(items, items + parent.length);
+  candidate_.push_back(item.item);
+  return ItemSetView(candidate_.data(), parent.length + 1, parent.code + item.code);
 }
 
 // Stores a set that was met for the first time, and may have been missed so often. False when the dictionary
@@ -174,12 +182,11 @@ bool PhaseIStep<Sets>::checkSubsets(Run& run, const ItemSetView& candidate, long
   for (int left = 0; left < length - 1; ++left) {
     if (left > 0) subset_[static_cast<std::size_t>(left - 1)] = items[left - 1];
     const std::uint64_t code = candidate.code - itemCode(items[left]);
-    const Set subset = run.sets.find({subset_.data(), length - 1, code});
-    if (Sets::isNone(subset) || run.sets.transaction(subset, length - 1) >= bounds.transaction) return false;
-    const long long bound = upperBound(run, subset, length - 1);
-    if (bounds.averageSupport > static_cast<double>(bound) / bounds.transaction) return false;
-    missed = std::min(missed, bound - 1);
-    subsets_.push_back(subset);
+    const Met subset = run.sets.find({subset_.data(), length - 1, code});
+    if (!subset.isStored() || subset.transaction >= bounds.transaction) return false;
+    if (bounds.averageSupport > static_cast<double>(subset.upperBound) / bounds.transaction) return false;
+    missed = std::min(missed, subset.upperBound - 1);
+    subsets_.push_back(subset.set);
   }
   return true;
 }

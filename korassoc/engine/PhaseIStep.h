@@ -51,11 +51,11 @@ class PhaseIStep {
 
  private:
   using Set = typename Sets::Set;
+  using Met = typename Sets::Met;
   struct Found {
     Set set;
     int length;
-    int parent;   // the place of this set without its last item; -1: of a set of one item
-    bool barren;  // no superset is stored, or may be added by this transaction
+    int parent;  // the place of this set without its last item; -1: of a set of one item
     std::uint64_t code;
   };
   // One transaction's step.
@@ -64,30 +64,29 @@ class PhaseIStep {
     Sets sets;
     const StepBounds& bounds;
     StepRecords& records;
-    bool closed;     // see SetDictionary::isClosed()
-    const int* end;  // of the transaction's items
+    bool closed;      // see SetDictionary::isClosed()
+    const int* end;   // of the transaction's items
+    int longest = 0;  // items of the longest set on the work list
   };
 
   bool handleItem(Run& run, const int& item);
-  bool extendAll(Run& run, std::size_t parents, const ItemSetView& item, int singleCount);
-  bool extend(Run& run, std::size_t place, const ItemSetView& item, int singleCount);
-  static void prefetch(const Run& run, const Found& parent, std::uint64_t itemCode);
-  bool isBarren(const Run& run, const Set& set, int length) const;
+  bool extendAll(Run& run, std::size_t parents, const CodedItem& item, int singleCount);
+  bool extend(Run& run, std::size_t place, const CodedItem& item, int singleCount);
+  void push(Run& run, const Found& found, bool barren);
+  void prefetch(const Run& run, std::size_t parent, const CodedItem& item) const;
+  bool isBarren(const Run& run, const Met& met) const;
   bool checkSubsets(Run& run, const ItemSetView& candidate, long long parentBound, long long& missed);
   bool add(Run& run, const ItemSetView& set, long long missed);
   void releaseUnused(SetDictionary& dictionary);
-  ItemSetView candidate(const Run& run, const Found& parent, const ItemSetView& item);
-  // The most transactions that can hold the set, by what is known of it.
-  static long long upperBound(const Run& run, const Set& set, int length) {
-    return static_cast<long long>(run.sets.count(set, length)) + run.sets.maxMissed(set, length);
-  }
+  ItemSetView candidate(const Run& run, const Found& parent, const CodedItem& item);
 
   int maxLengthSet_;
   std::vector<int> candidate_;  // a stored set and one more item
   std::vector<int> subset_;     // the candidate without one of its items
-  std::vector<Found> work_;
   std::vector<Set> subsets_;    // those of the candidate that were looked up
-  std::vector<char> extended_;  // by place: whether the set with the item at hand is stored, and not barren
+  std::vector<Found> work_;
+  std::vector<std::uint32_t> parents_;   // the places of those that may have supersets, stored or to be added
+  std::vector<char> extended_;           // by place: whether the set with the item at hand may have supersets
   std::vector<const SetCounter*> used_;  // the descriptors on the work list, ascending, to look one up
   int heldOfUse_ = 0;                    // evicted sets that were on the work list when last looked
 };

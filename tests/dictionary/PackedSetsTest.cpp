@@ -28,6 +28,8 @@ struct Store {
     auto transactions = std::make_unique<CarmaSetDescriptor>(50, 0, 0);
     if (dictionary->addEmptySet(transactions.get())) static_cast<void>(transactions.release());
   }
+  Store(const Store&) = delete;  // the dictionary refers to the settings
+  Store& operator=(const Store&) = delete;
   int add(const std::vector<int>& items, int count) {
     return dictionary->add(ItemSetView(items.data(), static_cast<int>(items.size())),
                            CarmaSetDescriptor(count, count + 1, count + 2));
@@ -196,39 +198,33 @@ TEST(PackedSets, ComeBackPackedFromTheirRecords) {
 }
 
 TEST(PackedSets, StayAsTheyWereWhenThereIsNoMemoryToUnpackOrAddThem) {
-  Store store;
-  store.fill(5);
-  const std::string before = xml(*store.dictionary);
-  const std::vector<std::function<void()>> calls = {
-      [&] { store.unpack(); },
-      [&] {
+  const std::vector<std::function<void(Store&)>> calls = {
+      [](Store& store) { store.unpack(); },
+      [](Store& store) {
         store.add({1, 2, 3, 4}, 1);
       },
-      [&] {
+      [](Store& store) {
         store.dictionary->adopt(korassoc::detail::CompleteItemsets{9, {{{1, 2}, {5, 6}}, {{1, 2}, {4}}}});
       },
   };
   for (std::size_t i = 0; i < calls.size(); ++i) {
-    int failures = 0;
-    for (int allocations = 0;; ++allocations) {
+    Store store;
+    store.fill(5);
+    const std::string before = xml(*store.dictionary);
+    bool done = false;
+    for (int allocations = 0; !done; ++allocations) {
       ASSERT_LT(allocations, 100000);
-      bool failed = false;
-      {
+      try {
         const FailingAllocator failing(allocations);
-        try {
-          calls[i]();
-        } catch (const std::bad_alloc&) {
-          failed = true;
-        }
+        calls[i](store);
+        done = true;
+        EXPECT_GT(allocations, 0) << "call " << i;
+      } catch (const std::bad_alloc&) {
       }
-      if (!failed) break;
-      ++failures;
+      if (done) continue;
       ASSERT_TRUE(store.dictionary->isPacked()) << "call " << i << ", allocation " << allocations;
       ASSERT_EQ(xml(*store.dictionary), before) << "call " << i << ", allocation " << allocations;
     }
-    EXPECT_GT(failures, 0) << "call " << i;
-    store = Store();
-    store.fill(5);
   }
 }
 
