@@ -9,10 +9,11 @@
 //
 //   limit | sets | bytes a set | predicted MB | peak MB | peak / predicted | longest work list | end
 //
-// The prediction: what the process took before the engine was made, plus the bucket arrays and the indexes,
-// plus for each set up to the limit its block (entry, key, descriptor) and, from five items on, its items as
-// a common allocator rounds them. Not in it: the work list of a transaction (32 bytes for each of its stored
-// sets, and 112 for those among them that made room before the transaction was done).
+// The prediction: what the process took before the engine was made, plus the indexes, plus the sets up to the
+// limit: with LEAVE 0 their packed records, else the bucket arrays and for each set its block (entry, key,
+// descriptor) and, from five items on, its items as a common allocator rounds them. Not in it: the work list
+// of a transaction (32 bytes for each of its stored sets, and 112 for those among them that made room before
+// the transaction was done).
 
 #include <algorithm>
 #include <bit>
@@ -121,6 +122,11 @@ std::uint64_t allocated(std::uint64_t bytes) {
   return std::max<std::uint64_t>(32, (bytes + 8 + 15) / 16 * 16);
 }
 
+std::uint64_t bytesOfPackedSet(int length) {
+  constexpr int kCounts = 3;
+  return sizeof(int) * static_cast<std::uint64_t>(kCounts + length);
+}
+
 std::uint64_t bytesOfSet(int length) {
   constexpr int kInTheBlock = 4;
   const std::uint64_t block = sizeof(HashTable::Entry) + sizeof(ItemSet) + sizeof(CarmaSetDescriptor);
@@ -178,16 +184,19 @@ int main(int argc, char** argv) {
 
   listener->look();
   const DictionarySettings& sizes = settings.GetDictionarySettings();
+  const bool packed = sizes.GetLeaveInMainStoreCount() == 0 && !sizes.GetDiskSpill();
   std::uint64_t bytes = 0;
   std::uint64_t tables = 0;
   for (std::size_t length = 0; length < peak.sets.size(); ++length) {
-    bytes += static_cast<std::uint64_t>(peak.sets[length]) * bytesOfSet(static_cast<int>(length));
+    const int items = static_cast<int>(length);
+    bytes += static_cast<std::uint64_t>(peak.sets[length]) *
+             (packed ? bytesOfPackedSet(items) : bytesOfSet(items));
   }
   for (std::size_t length = 1; length < peak.longest.size(); ++length) {
     const int initial = length == 2 || length == 3 ? sizes.GetInitialHashtableSet23Size()
                                                    : sizes.GetInitialBoundarySearchSize();
-    tables += bytesOfBuckets(static_cast<std::uint64_t>(initial), peak.longest[length]) +
-              bytesOfIndex(peak.longest[length]);
+    tables += bytesOfIndex(peak.longest[length]);
+    if (!packed) tables += bytesOfBuckets(static_cast<std::uint64_t>(initial), peak.longest[length]);
   }
   const double each = peak.total > 0 ? static_cast<double>(bytes) / peak.total : 0.0;
   const int sets = status.IsOK() ? limit : peak.total;

@@ -19,6 +19,10 @@
 #include "korassoc/itemsets/ItemSet.h"
 #include "korassoc/itemsets/ItemSetView.h"
 
+namespace korassoc::detail {
+class PackedLevel;
+}  // namespace korassoc::detail
+
 // HashTable maps itemsets to descriptors. The order of its buckets and chains is part of what users see
 // (saved states, displays, the order of rules), so it follows from the insertions alone, on every platform:
 //
@@ -176,8 +180,10 @@ class KORASSOC_EXPORT HashTable {
 
   // Reading for a table of sets of one size alone, in items: others are refused like entries that cannot be
   // read.
-  std::uint64_t readLevel(std::fstream& stream, char descriptorType, int setLength);
-  std::uint64_t readLevelXML(std::ifstream& in, char descriptorType, int setLength);
+  // packed: where the sets go instead, in the same order, when all of them can be packed; may be null.
+  using Packed = std::unique_ptr<korassoc::detail::PackedLevel>;
+  std::uint64_t readLevel(std::fstream& stream, char descriptorType, int setLength, Packed* packed = nullptr);
+  std::uint64_t readLevelXML(std::ifstream& in, char descriptorType, int setLength, Packed* packed = nullptr);
 
  private:
   using Index = korassoc::detail::CodeIndex;

@@ -18,6 +18,8 @@
 #include "korassoc/base/Prefetch.h"
 #include "korassoc/dictionary/DescriptorRecord.h"
 #include "korassoc/dictionary/HashTable.h"
+#include "korassoc/dictionary/PackedLevel.h"
+#include "korassoc/dictionary/TableObjectWriter.h"
 #include "korassoc/dictionary/TableRecordWriter.h"
 #include "korassoc/engine/Exceptions.h"
 #include "korassoc/itemsets/ItemSetRecord.h"
@@ -25,6 +27,7 @@
 
 using korassoc::detail::BinaryReader;
 using korassoc::detail::kFrameLines;
+using korassoc::detail::PackedLevel;
 using korassoc::detail::prefetch;
 using korassoc::detail::UsualEntry;
 
@@ -38,27 +41,47 @@ constexpr std::uint64_t kHeadBytes = 6;  // "HT" and the number of entries
 // The entries between one that is put into its chain and the one whose bucket is fetched.
 constexpr int kAhead = 16;
 
-// Entries on their way into a table, in the order in which they came. Memory grows with them, not with the
-// number that a record claims.
+// The number of buckets of a table that is read with so many entries: never a multiple of 2 or 3, but for the
+// largest tables.
+int bucketsFor(int entries) {
+  constexpr double kMost = std::numeric_limits<int>::max() - 2;
+  const auto buckets = static_cast<int>(std::min(entries * 1.55, kMost));
+  constexpr int kStep[] = {1, 0, -1, 2, 1, 0};  // by the remainder of 6
+  return buckets + kStep[buckets % 6];
+}
+
+// Entries on their way into a table, in the order in which they came, or into a packed level as long as it
+// can hold them all. Memory grows with them, not with the number that a record claims.
 class EntryList {
  public:
+  using Packed = HashTable::Packed;
+
   explicit EntryList(HashTable& table, Entry* first = nullptr) : table_(table), first_(first) {}
+  // packed: as of HashTable::readLevel().
+  EntryList(HashTable& table, int setLength, int entries, Packed* packed) : table_(table), first_(nullptr) {
+    if (packed == nullptr || entries < 1) return;
+    *packed = std::make_unique<PackedLevel>(setLength, bucketsFor(entries));
+    packed_ = packed;
+  }
   EntryList(const EntryList&) = delete;
   EntryList& operator=(const EntryList&) = delete;
   ~EntryList() {
     while (first_ != nullptr) deleteFront();
   }
 
+  bool isPacked() const { return packed_ != nullptr; }
   Entry* front() const { return first_; }
   Entry* popFront() { return std::exchange(first_, first_->next); }
   void deleteFront() { table_.release(popFront()); }
 
   void append(std::unique_ptr<ItemSet> set, std::unique_ptr<SetCounter> descriptor) {
+    if (isPacked() && packs(*set, *descriptor)) return;
     append(new Entry{set.get(), descriptor.get(), nullptr});
     static_cast<void>(set.release());
     static_cast<void>(descriptor.release());
   }
   void append(ItemSet&& set, const CarmaSetDescriptor& descriptor) {
+    if (isPacked() && packs(set, descriptor)) return;
     append(table_.makeEntry(std::move(set), descriptor));
   }
   // The whole chain; the caller owns it.
@@ -69,20 +92,28 @@ class EntryList {
     (first_ == nullptr ? first_ : last_->next) = entry;
     last_ = entry;
   }
+  // Packs the set; one that is there already is dropped. False when it cannot be: then none is packed.
+  bool packs(const ItemSet& set, const SetCounter& descriptor) {
+    PackedLevel& level = **packed_;
+    const ItemSetView view(set);
+    if (level.canHold(set, descriptor)) {
+      if (level.find(view) == PackedLevel::kNone)
+        level.add(view, static_cast<const CarmaSetDescriptor&>(descriptor));
+      return true;
+    }
+    level.forEachAdded([this](ItemSet&& added, const CarmaSetDescriptor& counts) {
+      append(table_.makeEntry(std::move(added), counts));
+    });
+    packed_->reset();
+    packed_ = nullptr;
+    return false;
+  }
 
   HashTable& table_;
   Entry* first_;
-  Entry* last_ = nullptr;  // of what was appended
+  Entry* last_ = nullptr;     // of what was appended
+  Packed* packed_ = nullptr;  // null: what comes is appended
 };
-
-// The number of buckets of a table that is read with so many entries: never a multiple of 2 or 3, but for the
-// largest tables.
-int bucketsFor(int entries) {
-  constexpr double kMost = std::numeric_limits<int>::max() - 2;
-  const auto buckets = static_cast<int>(std::min(entries * 1.55, kMost));
-  constexpr int kStep[] = {1, 0, -1, 2, 1, 0};  // by the remainder of 6
-  return buckets + kStep[buckets % 6];
-}
 
 bool isRightLength(int length, int expected) { return expected == kAnyLength || length == expected; }
 
@@ -192,7 +223,7 @@ std::uint64_t HashTable::readObject(std::fstream& stream, char descriptorType) {
   return readLevel(stream, descriptorType, kAnyLength);
 }
 
-std::uint64_t HashTable::readLevel(std::fstream& stream, char descriptorType, int setLength) {
+std::uint64_t HashTable::readLevel(std::fstream& stream, char descriptorType, int setLength, Packed* packed) {
   if (stream.bad()) {
     std::cerr << "bad stream in HashtablePair::readObject!\n";
     throw new IOException();
@@ -209,14 +240,14 @@ std::uint64_t HashTable::readLevel(std::fstream& stream, char descriptorType, in
   const std::uint64_t leastBytes = korassoc::detail::kItemSetHeadBytes +
                                    korassoc::detail::kLeastDescriptorBytes +
                                    4 * static_cast<std::uint64_t>(std::max(setLength, 0));
-  EntryList list(*this);
+  EntryList list(*this, setLength, entries, packed);
   std::vector<int> items;
   for (int i = 0; i < entries; ++i) {
     record.expect(static_cast<std::uint64_t>(entries - i) * leastBytes);
     if (readUsualEntry(record, descriptorType, setLength, list)) continue;
     readEntry(record, descriptorType, setLength, items, list);
   }
-  takeOver(list.release(), entries);
+  if (!list.isPacked()) takeOver(list.release(), entries);
   return record.count();
 }
 
@@ -230,21 +261,21 @@ std::uint64_t HashTable::readObjectXML(std::ifstream& in, char descriptorType) {
   return readLevelXML(in, descriptorType, kAnyLength);
 }
 
-std::uint64_t HashTable::readLevelXML(std::ifstream& in, char descriptorType, int setLength) {
+std::uint64_t HashTable::readLevelXML(std::ifstream& in, char descriptorType, int setLength, Packed* packed) {
   int entries = 0;
   if (!KorAssocXML::ParseStartObj(in, "HashtablePair") || !KorAssocXML::ParseValue(in, entries)) {
     return refusedTable("Failure reading Hashtable!\n");
   }
   deleteContents();
   std::uint64_t lines = kFrameLines + 1;
-  EntryList list(*this);
+  EntryList list(*this, setLength, entries, packed);
   for (int i = 0; i < entries; ++i) {
     const std::uint64_t linesOfEntry = readEntryXML(in, descriptorType, setLength, list);
     if (linesOfEntry == 0) return refusedTable("Problem reading Hashtable.\n");
     lines += linesOfEntry;
   }
   if (!KorAssocXML::ParseEndObj(in)) return refusedTable("Problem reading Hashtable.\n");
-  if (entries > 0) takeOver(list.release(), entries);
+  if (entries > 0 && !list.isPacked()) takeOver(list.release(), entries);
   return lines;
 }
 

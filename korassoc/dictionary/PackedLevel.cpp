@@ -11,31 +11,8 @@ namespace korassoc::detail {
 PackedLevel::PackedLevel(int length, int initialBuckets)
     : length_(length), stride_(kItems + static_cast<std::size_t>(length)), buckets_(initialBuckets) {}
 
-// The sets in the reverse order of the table: each chain from its end, so that the largest number is its
-// head.
-PackedLevel::PackedLevel(int length, const HashTable& table)
-    : length_(length),
-      stride_(kItems + static_cast<std::size_t>(length)),
-      buckets_(table.bucketCount(), table.modCount()) {
-  std::vector<const HashTable::Entry*> entries;
-  entries.reserve(static_cast<std::size_t>(table.count()));
-  table.forEach([&entries](const HashTable::Entry& entry) { entries.push_back(&entry); });
-  cells_.reserve(entries.size() * stride_);
-  index_.makeRoomFor(entries.size());
-  for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
-    append((*entry)->key->getTheArray(), static_cast<const CarmaSetDescriptor&>(*(*entry)->descriptor));
-    enroll(static_cast<Number>(count_ - 1));
-  }
-}
-
-bool PackedLevel::canHold(int length, const HashTable& table) {
-  bool can = length > 0;
-  table.forEach([&](const HashTable::Entry& entry) {
-    const SetCounter* descriptor = entry.descriptor;
-    can = can && entry.key->length() == length && descriptor != nullptr &&
-          typeid(*descriptor) == typeid(CarmaSetDescriptor) && descriptor->TID >= 0;
-  });
-  return can;
+bool PackedLevel::canHold(const ItemSet& set, const SetCounter& descriptor) const {
+  return set.length() == length_ && typeid(descriptor) == typeid(CarmaSetDescriptor) && descriptor.TID >= 0;
 }
 
 PackedLevel::Number PackedLevel::find(const ItemSetView& set) const {
@@ -45,10 +22,9 @@ PackedLevel::Number PackedLevel::find(const ItemSetView& set) const {
 
 // Makes room for one set more, so that adding it does not fail.
 void PackedLevel::makeRoom() {
-  constexpr std::size_t kFirstSets = 16;
   index_.makeRoom();
-  if (cells_.size() + stride_ > cells_.capacity())
-    cells_.reserve(std::max(kFirstSets * stride_, cells_.size() + cells_.size() / 2));
+  if (count_ == chunks_.size() * kChunk)
+    chunks_.push_back(std::make_unique_for_overwrite<int[]>(kChunk * stride_));
   if (growths_.size() == growths_.capacity()) growths_.reserve(growths_.size() + 8);
 }
 
@@ -64,10 +40,11 @@ void PackedLevel::add(const ItemSetView& set, const CarmaSetDescriptor& descript
 }
 
 void PackedLevel::append(const int* items, const CarmaSetDescriptor& descriptor) {
-  cells_.push_back(descriptor.count);
-  cells_.push_back(descriptor.TID);
-  cells_.push_back(descriptor.maxMissed);
-  cells_.insert(cells_.end(), items, items + length_);
+  int* const cells = record(static_cast<Number>(count_));
+  cells[kCount] = descriptor.count;
+  cells[kTransaction] = descriptor.TID;
+  cells[kMaxMissed] = descriptor.maxMissed;
+  std::copy(items, items + length_, cells + kItems);
   ++count_;
 }
 
@@ -83,7 +60,6 @@ int PackedLevel::removeBelow(int bound) {
   const auto removed = static_cast<int>(count_ - kept);
   if (removed == 0) return 0;
   count_ = kept;
-  cells_.resize(count_ * stride_);
   index_.empty();
   for (Number number = 0; number < kept; ++number) enroll(number);
   return removed;
@@ -92,7 +68,7 @@ int PackedLevel::removeBelow(int bound) {
 void PackedLevel::closeGap(Number from, Number to) {
   if (from == to) return;
   const int* source = record(from);
-  std::copy(source, source + stride_, cells_.data() + to * stride_);
+  std::copy(source, source + stride_, record(to));
 }
 
 // The first so many of the order, by rising bucket, each chain from its head.

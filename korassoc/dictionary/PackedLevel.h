@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <vector>
 
 #include "korassoc/dictionary/BucketGrowth.h"
@@ -18,8 +19,8 @@ namespace korassoc::detail {
 // PackedLevel holds what a HashTable of sets with CarmaSetDescriptors would hold, in the same order of
 // buckets and chains, without their objects:
 //
-//   cells_   [ count | TID | max missed | item | item ]  [ count | ... ]      one record a set, by number
-//   index_   from the code of a set to its number
+//   chunks_   [ count | TID | max missed | item | item ]  [ count | ... ]      one record a set, by number
+//   index_    from the code of a set to its number
 //
 // The first pass adds sets at the end and counts them; pruning closes the gaps. No chain is kept: a new set
 // goes to the head of its chain, so within a bucket the chain is the order of the numbers, from the largest
@@ -37,10 +38,8 @@ class PackedLevel {
 
   // For sets of so many items, at least one.
   PackedLevel(int length, int initialBuckets);
-  // What the table holds, which canHold() has to be true of.
-  PackedLevel(int length, const HashTable& table);
-  // Whether all sets of the table have so many items and a CarmaSetDescriptor.
-  static bool canHold(int length, const HashTable& table);
+  // Whether it can hold the set: one of its length with a CarmaSetDescriptor stored at a transaction.
+  bool canHold(const ItemSet& set, const SetCounter& descriptor) const;
 
   int count() const { return static_cast<int>(count_); }
 
@@ -53,8 +52,7 @@ class PackedLevel {
   // Starts to fetch what find() looks at first.
   void prefetch(std::uint64_t code) const { index_.prefetchHome(code); }
 
-  // Adds a set of the level's length that is not stored yet. Changes nothing when memory runs out. Pointers
-  // to items and counts become invalid.
+  // Adds a set of the level's length that is not stored yet. Changes nothing when memory runs out.
   void add(const ItemSetView& set, const CarmaSetDescriptor& descriptor);
 
   // A stored set. Numbers stay until something is pruned.
@@ -64,13 +62,13 @@ class PackedLevel {
   int maxMissedOf(Number number) const { return record(number)[kMaxMissed]; }
   // Counts one more transaction; a count at the top of its range stays there.
   void increment(Number number) {
-    int& count = cells_[number * stride_ + kCount];
+    int& count = record(number)[kCount];
     if (count < SetCounter::kMaxCount) ++count;
   }
 
   // Whether note was taken that a superset of this set is stored.
   bool isExtended(Number number) const { return (record(number)[kTransaction] & kExtendedBit) != 0; }
-  void noteExtended(Number number) { cells_[number * stride_ + kTransaction] |= kExtendedBit; }
+  void noteExtended(Number number) { record(number)[kTransaction] |= kExtendedBit; }
 
   // Removes the sets with a smaller count than bound; returns how many. Does not fail.
   int removeBelow(int bound);
@@ -81,6 +79,12 @@ class PackedLevel {
   template <typename Visitor>
   void forEach(Visitor&& visit) const {
     for (const Number number : tableOrder()) visit(ItemSet(items(number), length_), descriptor(number));
+  }
+  // The same in the order in which they were added.
+  template <typename Visitor>
+  void forEachAdded(Visitor&& visit) const {
+    for (Number number = 0; number < count_; ++number)
+      visit(ItemSet(items(number), length_), descriptor(number));
   }
 
  private:
@@ -93,7 +97,13 @@ class PackedLevel {
       std::numeric_limits<int>::min();  // numbers of transactions leave it free
   enum Cell : std::size_t { kCount, kTransaction, kMaxMissed, kItems };
 
-  const int* record(Number number) const { return cells_.data() + number * stride_; }
+  // Chunks, so that a level that grows is not copied.
+  static constexpr Number kChunk = 4096;  // records
+
+  int* record(Number number) { return chunks_[number / kChunk].get() + number % kChunk * stride_; }
+  const int* record(Number number) const {
+    return chunks_[number / kChunk].get() + number % kChunk * stride_;
+  }
   CarmaSetDescriptor descriptor(Number number) const {
     return CarmaSetDescriptor(countOf(number), transactionOf(number), maxMissedOf(number));
   }
@@ -108,7 +118,7 @@ class PackedLevel {
   int length_;
   std::size_t stride_;  // cells of a record
   std::size_t count_ = 0;
-  std::vector<int> cells_;
+  std::vector<std::unique_ptr<int[]>> chunks_;
   CodeIndex index_;
   BucketGrowth buckets_;
   std::vector<Growth> growths_;  // in their order

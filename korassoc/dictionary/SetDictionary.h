@@ -338,6 +338,7 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   void unpackAll() const;
   bool mayBePacked() const;
   bool isPacked(int level) const { return packed_ != nullptr && level != 0; }
+  void keepPacked(int level, std::unique_ptr<korassoc::detail::PackedLevel> sets);
   void keepTable(int level, std::unique_ptr<HashTable> table);
   int addPacked(const ItemSetView& set, const CarmaSetDescriptor& descriptor);
   int countInMemory(int level) const;

@@ -113,12 +113,10 @@ int SetDictionary::add(const ItemSetView& set, const CarmaSetDescriptor& descrip
 // Packed sets have no queue, so that none of them can make room.
 int SetDictionary::addPacked(const ItemSetView& set, const CarmaSetDescriptor& descriptor) {
   if (set.length > maxLevel_ || inStoreCount_ >= maxInStoreSets_) return kMemoryFull;
-  const auto level = static_cast<std::size_t>(set.length);
-  if (level >= packed_->size()) packed_->resize(level + 1);
-  std::unique_ptr<korassoc::detail::PackedLevel>& sets = (*packed_)[level];
-  if (sets == nullptr)
-    sets = std::make_unique<korassoc::detail::PackedLevel>(set.length, initialBuckets(set.length));
-  sets->add(set, descriptor);
+  using korassoc::detail::PackedLevel;
+  if (packedLevel(set.length) == nullptr)
+    keepPacked(set.length, std::make_unique<PackedLevel>(set.length, initialBuckets(set.length)));
+  packedLevel(set.length)->add(set, descriptor);
   ++inStoreCount_;
   return kStored;
 }

@@ -28,14 +28,15 @@ void SetDictionary::unpackAll() const {
   packed_.reset();
 }
 
-// Keeps a table that was read, packed if the tables before it are and it can be.
+// The two keep what was read for a level. A table that could not be packed unpacks those before it.
+void SetDictionary::keepPacked(int level, std::unique_ptr<PackedLevel> sets) {
+  const auto index = static_cast<std::size_t>(level);
+  if (index >= packed_->size()) packed_->resize(index + 1);
+  (*packed_)[index] = std::move(sets);
+}
+
 void SetDictionary::keepTable(int level, std::unique_ptr<HashTable> table) {
   const auto index = static_cast<std::size_t>(level);
-  if (isPacked(level) && PackedLevel::canHold(level, *table)) {
-    if (index >= packed_->size()) packed_->resize(index + 1);
-    (*packed_)[index] = std::make_unique<PackedLevel>(level, *table);
-    return;
-  }
   if (isPacked(level)) unpackAll();
   levels_.resize(index + 1);
   levels_[index] = std::move(table);

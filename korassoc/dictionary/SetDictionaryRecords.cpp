@@ -12,6 +12,7 @@
 #include "korassoc/dictionary/PackedLevel.h"
 #include "korassoc/dictionary/SetDictionary.h"
 #include "korassoc/dictionary/SpillStore.h"
+#include "korassoc/dictionary/TableObjectWriter.h"
 #include "korassoc/dictionary/TableRecordWriter.h"
 #include "korassoc/engine/DictionarySettings.h"
 #include "korassoc/engine/Exceptions.h"
@@ -110,17 +111,22 @@ void SetDictionary::restart(const RecordHead& head) {
   bitsetOff_ = head.bitsetOff;
 }
 
-// Reads one table after the other by read(table, level); those that stay empty are not kept.
+// Reads one table after the other by read(table, level, packed); those that stay empty are not kept.
 template <typename Read>
 void SetDictionary::readTables(Read&& read) {
   if (mayBePacked()) packed_ = std::make_unique<PackedLevels>();
   std::unique_ptr<HashTable> table;
   for (int level = 0;; ++level) {
-    if (table == nullptr) {
-      table = packed_ != nullptr ? std::make_unique<HashTable>(1) : std::make_unique<HashTable>(1, pool_);
+    if (table == nullptr) {  // what is packed leaves no blocks behind
+      table = isPacked() ? std::make_unique<HashTable>(1) : std::make_unique<HashTable>(1, pool_);
     }
-    read(*table, level);
-    if (table->count() > 0) keepTable(level, std::move(table));
+    HashTable::Packed packed;
+    read(*table, level, isPacked(level) ? &packed : nullptr);
+    if (packed != nullptr) {
+      keepPacked(level, std::move(packed));
+    } else if (table->count() > 0) {
+      keepTable(level, std::move(table));
+    }
     if (level == maxLevel_) break;
   }
   if (!bitsetOff_) markLevelBits(recordedSpillLevel_ - 1);
@@ -176,7 +182,9 @@ std::uint64_t SetDictionary::readObject(std::fstream& stream) {
   restart(head);
   std::uint64_t bytes = record.count();
   const char type = bitsetOff_ ? korassoc::detail::kCarmaDescriptors : korassoc::detail::kPlainCounters;
-  readTables([&](HashTable& table, int level) { bytes += table.readLevel(stream, type, level); });
+  readTables([&](HashTable& table, int level, HashTable::Packed* packed) {
+    bytes += table.readLevel(stream, type, level, packed);
+  });
   return bytes;
 }
 
@@ -214,8 +222,8 @@ std::uint64_t SetDictionary::readObjectXML(std::ifstream& in) {
   std::uint64_t lines = kValueLines + korassoc::detail::kFrameLines;
   const char counting = bitsetOff_ ? korassoc::detail::kCarmaDescriptors : korassoc::detail::kPlainCounters;
   const char type = latticeBuilt_ ? korassoc::detail::kLatticeDescriptors : counting;
-  readTables([&](HashTable& table, int level) {
-    const std::uint64_t linesOfTable = table.readLevelXML(in, type, level);
+  readTables([&](HashTable& table, int level, HashTable::Packed* packed) {
+    const std::uint64_t linesOfTable = table.readLevelXML(in, type, level, packed);
     if (linesOfTable == 0) refuseObject();
     lines += linesOfTable;
   });

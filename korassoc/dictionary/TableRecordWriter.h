@@ -1,4 +1,4 @@
-// Writes the records of a table of sets, binary and XML.
+// Writes the record of a table of sets in a binary state.
 
 #pragma once
 
@@ -11,7 +11,6 @@
 #include "korassoc/dictionary/SetCounter.h"
 #include "korassoc/itemsets/ItemSet.h"
 #include "korassoc/itemsets/ItemSetRecord.h"
-#include "korassoc/xml/XMLObj.h"
 
 namespace korassoc::detail {
 
@@ -44,24 +43,6 @@ class TableRecordWriter {
   std::fstream& stream_;
   BinaryWriter record_;
   std::uint64_t besides_ = 0;  // bytes of descriptors that write themselves
-};
-
-// An object "HashtablePair" with the number of entries and an object "ISCPair" for each, indented by so many
-// tabs. Nothing is added to a stream that has failed.
-class TableObjectWriter {
- public:
-  TableObjectWriter(std::ostream& out, int entries, int tabs);
-
-  void add(const ItemSet& set, const SetCounter& descriptor);
-  // The lines written. To be called last.
-  std::uint64_t finish();
-
- private:
-  std::ostream& out_;
-  int tabs_;
-  KorAssocXML::XMLObj table_;
-  KorAssocXML::XMLObj pair_;
-  std::uint64_t lines_;
 };
 
 }  // namespace korassoc::detail

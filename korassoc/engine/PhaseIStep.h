@@ -7,7 +7,9 @@
 #include <vector>
 
 #include "korassoc/dictionary/SetDictionary.h"
-#include "korassoc/engine/StepSets.h"
+#include "korassoc/engine/EntrySets.h"
+#include "korassoc/engine/PackedSets.h"
+#include "korassoc/itemsets/ItemCode.h"
 #include "korassoc/itemsets/ItemSetView.h"
 
 namespace korassoc::detail {
@@ -33,7 +35,24 @@ struct StepRecords {
 //   items    1  3  8                                 the transaction, ascending
 //   work_    {1}  {3} {1 3}  {8} {1 8} {3 8} ...     only stored sets whose one-item sets reach the threshold
 //
-// Sets: one of the two forms of StepSets.h. Ownership: owns its buffers, which are kept from step to step.
+// Sets is how the dictionary keeps them, EntrySets or PackedSets. Both have:
+//
+//   Set                     a stored set; it lasts as long as the step
+//   Met                     a set that was looked for, and counted if it is stored, with its values then
+//   meet(item, code)        counts the set of one item
+//   meet(parent, length,    counts the parent, of so many items, with a larger item added; candidate is room
+//   to
+//     item, code,           put that set together in
+//     candidate)
+//   find(set)               the set without counting it
+//   items, upperBound       of a stored set of the given length: its items; the most transactions that can
+//   hold
+//                           it, by what is known of it
+//   noteExtended            takes note that a superset is stored; Met::isExtended is false where nobody did
+//   prefetch(length, code)  starts to fetch what meet() looks at first
+//   kMayLeave               whether sets may make room for others while the step runs
+//
+// Ownership: owns its buffers, which are kept from step to step.
 // Cost: one look-up for each pair of a work list entry and a later item. Where the dictionary is closed under
 // taking subsets, the pair {1 3}, 8 is passed over when {1 8} is not stored.
 template <typename Sets>

@@ -14,6 +14,14 @@ constexpr std::uint64_t itemCode(int item) {
   return code ^ (code >> 31U);
 }
 
+// An item and its code.
+struct CodedItem {
+  explicit CodedItem(int itemOf) : item(itemOf), code(itemCode(itemOf)) {}
+
+  int item;
+  std::uint64_t code;
+};
+
 // The sum of the items' codes, so that a set's code with an item more or less follows in one step.
 constexpr std::uint64_t setCode(const int* items, int n) {
   std::uint64_t code = 0;

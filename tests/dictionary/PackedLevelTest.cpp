@@ -99,29 +99,6 @@ TEST(PackedLevel, HasTheOrderOfAHashTableAfterAnyAdditionsAndPrunings) {
   }
 }
 
-TEST(PackedLevel, MadeOfAHashTableGoesOnLikeIt) {
-  for (std::uint64_t seed = 0; seed < 40; ++seed) {
-    Dice dice(seed);
-    HashTable table(dice.between(1, 20));
-    for (int i = 0; i < 60; ++i) {
-      const std::vector<int> items = randomItems(dice, 2);
-      const ItemSetView set(items.data(), 2);
-      if (table.find(set) == nullptr) table.emplace(set, CarmaSetDescriptor(dice.between(1, 9), i, 0));
-    }
-    ASSERT_TRUE(PackedLevel::canHold(2, table));
-    PackedLevel level(2, table);
-    ASSERT_EQ(filled(level), text(table));
-    for (int i = 0; i < 100; ++i) {
-      const std::vector<int> items = randomItems(dice, 2);
-      addToBoth(level, table, ItemSetView(items.data(), 2), CarmaSetDescriptor(dice.between(1, 9), i, 0));
-      if (dice.chance(3)) {
-        ASSERT_NO_FATAL_FAILURE(pruneBoth(level, table, dice.between(0, 6)));
-      }
-    }
-    ASSERT_EQ(filled(level), text(table)) << "seed " << seed;
-  }
-}
-
 TEST(PackedLevel, FindsWhatItHoldsAndNothingElse) {
   PackedLevel level(2, 7);
   EXPECT_EQ(level.find(ItemSetView(ItemSet(std::vector<int>{1, 2}.data(), 2))), PackedLevel::kNone);
@@ -172,29 +149,14 @@ TEST(PackedLevel, KeepsTheNoteOfASupersetThroughPruningAndShowsItNowhere) {
 }
 
 TEST(PackedLevel, HoldsNothingButSetsOfItsLengthAsPhaseIStoresThem) {
-  const std::vector<int> pair{1, 2};
-  const ItemSetView set(pair.data(), 2);
-  HashTable usual(3);
-  EXPECT_TRUE(PackedLevel::canHold(2, usual));
-  usual.emplace(set, CarmaSetDescriptor(1, 0, 0));
-  EXPECT_TRUE(PackedLevel::canHold(2, usual));
-  EXPECT_FALSE(PackedLevel::canHold(1, usual));
-  EXPECT_FALSE(PackedLevel::canHold(3, usual));
-  EXPECT_FALSE(PackedLevel::canHold(0, usual));
-
-  HashTable negative(3);
-  negative.emplace(set, CarmaSetDescriptor(1, -1, 0));
-  EXPECT_FALSE(PackedLevel::canHold(2, negative));
-
-  HashTable plain(3);
-  plain.emplace(set, std::make_unique<SetCounter>(1, 1));
-  EXPECT_FALSE(PackedLevel::canHold(2, plain));
-
-  HashTable lattice(3);
-  lattice.emplace(set, std::make_unique<LatticeSetDescriptor>(1, 1, 0));
-  EXPECT_FALSE(PackedLevel::canHold(2, lattice));
-
-  HashTable none(3);
-  none.emplace(set, std::unique_ptr<SetCounter>());
-  EXPECT_FALSE(PackedLevel::canHold(2, none));
+  const std::vector<int> items{1, 2};
+  const ItemSet pair(items.data(), 2);
+  const PackedLevel pairs(2, 7);
+  const CarmaSetDescriptor usual(1, 0, 0);
+  EXPECT_TRUE(pairs.canHold(pair, usual));
+  EXPECT_FALSE(pairs.canHold(ItemSet(1), usual));
+  EXPECT_FALSE(PackedLevel(3, 7).canHold(pair, usual));
+  EXPECT_FALSE(pairs.canHold(pair, CarmaSetDescriptor(1, -1, 0)));
+  EXPECT_FALSE(pairs.canHold(pair, SetCounter(1, 1)));
+  EXPECT_FALSE(pairs.canHold(pair, LatticeSetDescriptor(1, 1, 0)));
 }
