@@ -1,10 +1,14 @@
 // How time and memory grow: with the transactions, the support and the number of items.
 //
-//   Scaling [LARGEST]     prints Markdown tables; LARGEST transactions at the most (default 10,000,000)
+//   Scaling [LARGEST [FIRST]]     prints Markdown tables; LARGEST transactions at the most (default
+//   10,000,000),
+//                                 of which phase I reads the FIRST (default all)
 //
 // Transactions are made while they are read, in the manner of the Quest generator (Agrawal & Srikant, VLDB
 // 1994): patterns of some four items, popular ones more often, put together to baskets of some ten items.
-// Memory is the largest that the process has taken so far, so each line is a process of its own.
+// They are made a thousand at a time with the clock stopped: making them takes longer than most of what is
+// measured here. Memory is the largest that the process has taken so far, so each line is a process of its
+// own.
 
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -48,32 +52,54 @@ class QuestTransactions final : public MultiPassTransIter {
 
   bool HasNext() override { return next_ < transactions_; }
   Transaction* Next() override {
+    if (next_ == made_) makeMore();
+    current_.begin = items_.data() + starts_[static_cast<std::size_t>(next_ % kAtOnce)];
+    current_.end = items_.data() + starts_[static_cast<std::size_t>(next_ % kAtOnce) + 1];
     ++next_;
-    std::vector<int>& items = current_.items;
-    items.clear();
-    const std::size_t length = 1 + static_cast<std::size_t>(poisson(random_, 9));
-    while (items.size() < length) {
-      const double at = uniform(random_) * total_;
-      const auto chosen = std::lower_bound(weights_.begin(), weights_.end(), at) - weights_.begin();
-      for (const int item : patterns_[static_cast<std::size_t>(chosen)]) {
-        if (random_() % 2 == 0) items.push_back(item);
-      }
-    }
-    std::sort(items.begin(), items.end());
-    items.erase(std::unique(items.begin(), items.end()), items.end());
     return &current_;
   }
   int Rewind() override { return Restart(); }
-  // How often the transactions have been begun.
-  int passes() const { return passes_; }
   int Restart() override {
     next_ = 0;
-    ++passes_;
+    made_ = 0;
+    ++readings_;
     random_.seed(7);
     return 0;
   }
+  // How often the transactions have been begun.
+  int readings() const { return readings_; }
+  // Processor time that making them has taken so far.
+  double makingSeconds() const { return makingSeconds_; }
 
  private:
+  static constexpr int kAtOnce = 1000;
+
+  void makeMore() {
+    const double start = bench::processorSeconds();
+    items_.clear();
+    starts_.assign(1, 0);
+    for (int i = 0; i < kAtOnce; ++i) {
+      makeOne();
+      starts_.push_back(items_.size());
+    }
+    made_ += kAtOnce;
+    makingSeconds_ += bench::processorSeconds() - start;
+  }
+
+  void makeOne() {
+    const std::size_t length = 1 + static_cast<std::size_t>(poisson(random_, 9));
+    const auto first = static_cast<std::ptrdiff_t>(items_.size());
+    while (items_.size() < static_cast<std::size_t>(first) + length) {
+      const double at = uniform(random_) * total_;
+      const auto chosen = std::lower_bound(weights_.begin(), weights_.end(), at) - weights_.begin();
+      for (const int item : patterns_[static_cast<std::size_t>(chosen)]) {
+        if (random_() % 2 == 0) items_.push_back(item);
+      }
+    }
+    std::sort(items_.begin() + first, items_.end());
+    items_.erase(std::unique(items_.begin() + first, items_.end()), items_.end());
+  }
+
   static double uniform(std::mt19937& random) { return static_cast<double>(random()) / 4294967296.0; }
 
   static int poisson(std::mt19937& random, double mean) {
@@ -85,15 +111,20 @@ class QuestTransactions final : public MultiPassTransIter {
 
   class Current final : public Transaction {
    public:
-    int GetItem(int position) const override { return items[static_cast<std::size_t>(position)]; }
+    int GetItem(int position) const override { return begin[position]; }
     int GetTransactionID() const override { return 0; }
-    int GetLength() const override { return static_cast<int>(items.size()); }
-    std::vector<int> items;
+    int GetLength() const override { return static_cast<int>(end - begin); }
+    const int* begin = nullptr;
+    const int* end = nullptr;
   };
 
   int transactions_;
   int next_ = 0;
-  int passes_ = 0;
+  int made_ = 0;  // transactions; the last of them are held
+  std::vector<int> items_;
+  std::vector<std::size_t> starts_;  // of the transactions held, in items_; and the end
+  int readings_ = 0;
+  double makingSeconds_ = 0;
   std::vector<std::vector<int>> patterns_;
   std::vector<double> weights_;  // summed up
   double total_ = 0;
@@ -101,38 +132,42 @@ class QuestTransactions final : public MultiPassTransIter {
   Current current_;
 };
 
-void run(int transactions, double support, int items) {
+// Processor time that is not spent on making transactions.
+double secondsOn(const QuestTransactions& source) {
+  return bench::processorSeconds() - source.makingSeconds();
+}
+
+double peakMiB() {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  return static_cast<double>(usage.ru_maxrss) / 1024;
+}
+
+void run(int transactions, int first, double support, int items) {
   QuestTransactions source(transactions, items);
-  double start = bench::processorSeconds();
-  while (source.HasNext()) source.Next();
-  const double making = bench::processorSeconds() - start;
-  source.Restart();
   CarmaSettings settings;
   settings.SetSupportSource(new bench::ConstantSupport(support));
   CarmaAssociationAlgorithm engine(&settings, &source);
-  start = bench::processorSeconds();
-  engine.RunPhaseI(transactions);
-  const double phaseI = bench::processorSeconds() - start - making;
-  rusage usage{};
-  getrusage(RUSAGE_SELF, &usage);
-  const double phaseIMiB = static_cast<double>(usage.ru_maxrss) / 1024;
+  double start = secondsOn(source);
+  engine.RunPhaseI(std::min(first, transactions));
+  const double phaseI = secondsOn(source) - start;
+  const double phaseIMiB = peakMiB();
   const int sets = engine.NumberOfSets() - 1;
-  start = bench::processorSeconds();
-  const int passesBefore = source.passes();
+  const int readings = source.readings();
+  start = secondsOn(source);
   engine.RunPhaseIIcomplete(support);
-  const int passes = source.passes() - passesBefore;
-  const double complete = bench::processorSeconds() - start - passes * making;
-  getrusage(RUSAGE_SELF, &usage);
+  const double complete = secondsOn(source) - start;
   std::printf("| %d | %g%% | %d | %.2f | %d | %.0f | %.2f | %d | %d | %.0f |\n", transactions, support * 100,
-              items, phaseI / transactions * 1e6, sets, phaseIMiB, complete / transactions * 1e6, passes,
-              engine.NumberOfSets() - 1, static_cast<double>(usage.ru_maxrss) / 1024);
+              items, phaseI / std::min(first, transactions) * 1e6, sets, phaseIMiB,
+              complete / transactions * 1e6, source.readings() - readings, engine.NumberOfSets() - 1,
+              peakMiB());
 }
 
-void runApart(int transactions, double support, int items) {
+void runApart(int transactions, int first, double support, int items) {
   std::fflush(stdout);
   const pid_t child = fork();
   if (child == 0) {
-    run(transactions, support, items);
+    run(transactions, first, support, items);
     std::fflush(stdout);
     _exit(0);
   }
@@ -144,11 +179,13 @@ void runApart(int transactions, double support, int items) {
 
 int main(int argc, char** argv) {
   const int largest = argc > 1 ? std::atoi(argv[1]) : 10000000;
+  const int first = argc > 2 ? std::max(std::atoi(argv[2]), 1) : largest;
   std::printf(
       "| transactions | support | items | phase I, µs each | sets after it | MiB | complete pass, µs each | "
       "times read | itemsets | MiB |\n|---:|---:|---:|---:|---:|---:|---:|---:|---:|---:|\n");
   for (int transactions = 10000; transactions <= largest; transactions *= 10)
-    runApart(transactions, 0.005, 1000);
-  for (const double support : {0.02, 0.01, 0.002, 0.001}) runApart(std::min(largest, 100000), support, 1000);
-  for (const int items : {100, 10000, 100000}) runApart(std::min(largest, 100000), 0.005, items);
+    runApart(transactions, first, 0.005, 1000);
+  for (const double support : {0.02, 0.01, 0.002, 0.001})
+    runApart(std::min(largest, 100000), first, support, 1000);
+  for (const int items : {100, 10000, 100000}) runApart(std::min(largest, 100000), first, 0.005, items);
 }
