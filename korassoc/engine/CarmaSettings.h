@@ -53,8 +53,9 @@ class KORASSOC_EXPORT CarmaSettings : public AssociationAlgorithmSettings {
   int GetRemoveSmallFreq() const { return removeSmallFreq_; }
   void SetRemoveSmallFreq(int transactions) { removeSmallFreq_ = transactions; }
 
-  // What the index of RunPhaseIIcomplete may take, in bytes; more data is counted in several passes. Not part
-  // of the saved record. Default 1 GiB.
+  // What RunPhaseIIcomplete may take for its transactions, in bytes. It takes a small part of that and reads
+  // once, unless the beginning of the data tells too little about the rest; what does not fit then is counted
+  // in several readings. Not part of the saved record. Default 1 GiB.
   std::uint64_t GetCompleteIndexBudget() const { return completeIndexBudget_; }
   void SetCompleteIndexBudget(std::uint64_t bytes) { completeIndexBudget_ = bytes; }
 

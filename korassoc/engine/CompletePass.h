@@ -4,10 +4,15 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
+#include <vector>
 
 #include "korassoc/dictionary/CompleteItemsets.h"
+#include "korassoc/engine/BlockCounter.h"
+#include "korassoc/engine/ItemCounter.h"
 #include "korassoc/engine/ItemsetEnumerator.h"
 #include "korassoc/engine/MultiPassTransIter.h"
+#include "korassoc/engine/PassedSets.h"
 #include "korassoc/engine/TransactionIndex.h"
 
 namespace korassoc::detail {
@@ -18,25 +23,42 @@ struct CompletePassLimits {
   int maxLength;              // items of a set
   int maxSets;                // itemsets found, beyond which the pass gives up
   std::uint64_t budgetBytes;  // memory for the index of the transactions
+
+  // The sample, beyond which transactions are counted in blocks, has so many transactions at least and so
+  // many that a set just frequent is expected in sampleCount of them; or else this much of the index.
+  int sampleTransactions = 1 << 17;
+  int sampleCount = 150;
+  std::uint64_t sampleBytes = std::uint64_t{1} << 27;
+  // A block has this many transactions, or this much of the index.
+  int blockTransactions = 1 << 15;
+  std::uint64_t blockBytes = std::uint64_t{1} << 23;
 };
 
-// Reads the source to its end, counts the items and keeps the transactions in an index, in which it
-// enumerates the itemsets. When the index would not fit its budget:
+// Reads the source to its end and counts the items. What becomes of the transactions:
 //
-//   1st pass   counts the items                          2nd pass   how much of the index each item calls for
-//   further    the index of a part of the items, as much as the budget holds, and the sets of which the least
-//              frequent item is of that part
+//   a sample, or fewer       are kept in an index, in which the itemsets are enumerated
+//   more than a sample       are counted in blocks, see BlockCounter. When sets passed that the sample had
+//                            not made expect, the transactions that hold one of them are read again, into
+//                            an index, for the sets that do
+//   too much to expect       all are kept in the index as long as its budget lasts; when it did not, they are
+//                            read again for it
 //
-// A part is never less than one item, so the budget is exceeded where a single item needs more.
-// Repeats of an item within a transaction count once. Nothing depends on the order of the transactions.
+// What is read again and would not fit the budget is read once more, to find out how much of the index each
+// item calls for, and then in parts: the index of a part of the items, as much as the budget holds, and the
+// sets of which the least frequent item is of that part. A part is never less than one item, so the budget is
+// exceeded where a single item needs more.
+//
+// Repeats of an item within a transaction count once. Which sets are found does not depend on the order of
+// the transactions. They are handed on in this order: the single items by falling count; where blocks were
+// counted, the sets expected, in the order of CandidateTree::handOn(); the others in that of ItemsetWalk.
 class CompletePass {
  public:
   enum class Outcome { kDone, kCancelled, kNotRestarted, kTooManySets };
 
   struct Watch {
     std::function<bool()> cancelled;  // asked at every transaction and often in between
-    std::function<void(int transactions)>
-        onRead;  // after every transaction of the first pass, with their number
+    // After every transaction of the first reading, with their number.
+    std::function<void(int transactions)> onRead;
   };
 
   CompletePass(MultiPassTransIter& source, const CompletePassLimits& limits, const Watch& watch);
@@ -51,16 +73,26 @@ class CompletePass {
 
   template <typename Handle>
   Outcome readAll(Handle&& handle);
-  Outcome enumerateInParts(const RankedItems& ranked, Collector& collector);
-  Outcome costsOfRanks(const RankedItems& ranked, std::vector<std::uint64_t>& costs);
-  void rankRow(const Transaction& transaction, const RankedItems& ranked,
-               std::vector<std::uint32_t>& row) const;
+  template <typename Handle>
+  Outcome readRows(Handle&& handle);
+  bool sampleIsFull() const;
+  void startBlocks();
+  Outcome enumerateIndex(ItemsetSink& sink);
+  Outcome enumerateBlocks(ItemsetSink& sink);
+  Outcome enumerateInParts(ItemsetSink& sink);
+  Outcome costsOfRanks(std::vector<std::uint64_t>& costs);
 
   MultiPassTransIter& source_;
   CompletePassLimits limits_;
   const Watch& watch_;
+  ItemCounter items_;
   TransactionIndex index_;
+  std::unique_ptr<BlockCounter> blocks_;  // null as long as the index holds the transactions
+  bool sampled_ = false;                  // whether blocks were tried
+  std::vector<std::uint32_t> codes_;      // of one transaction
   int minCount_ = 1;
+  RankedItems ranked_;  // the frequent items
+  PassedSets passed_;   // what was not expected of the blocks
   CompleteItemsets found_;
 };
 

@@ -4,12 +4,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
-#include <memory>
 #include <vector>
 
-#include "korassoc/engine/PopCount.h"
-#include "korassoc/engine/TransactionIndex.h"
+#include "korassoc/engine/ItemsetWalk.h"
+#include "korassoc/engine/RankedRows.h"
 
 namespace korassoc::detail {
 
@@ -25,41 +23,36 @@ class ItemsetSink {
   virtual bool goesOn() = 0;
 };
 
-// Every itemset is found once, from its least frequent item on: each item is extended by more frequent ones.
-//
-// The transactions that hold an item are swept once to count all extensions of it together ("occurrence
-// deliver": Uno, Kiyomi & Arimura, FIMI 2004). The frequent extensions and these transactions make a smaller
-// table, which is treated like the whole one, or, where it is dense enough for that to be the shorter way, as
-// bit sets that are intersected (Zaki, Parthasarathy, Ogihara & Li, KDD 1997: "Eclat"). Cost: the sum over
-// the itemsets found of the rows that hold them, shortened to the frequent extensions; a 64th of that where
-// bits are intersected.
+// Guides an ItemsetWalk through all sets that are frequent.
 class ItemsetEnumerator {
  public:
   // minCount: at least 1. maxLength: most items of a set. The sink and the rows are lent.
   ItemsetEnumerator(int minCount, std::size_t maxLength, ItemsetSink& sink);
-  ~ItemsetEnumerator();
 
   // Finds the sets of two and more items whose least frequent item has a rank in [firstRank, endRank). False
   // when the sink stopped it.
   bool enumerate(const RankedRows& rows, std::size_t firstRank, std::size_t endRank);
 
  private:
-  struct Level;   // the table that stands for the transactions holding the path
-  struct Member;  // an extension of the path with its bit set
+  friend class ItemsetWalk<ItemsetEnumerator>;
 
-  Level& level(std::size_t depth);
-  bool extendAll(const RankedRows& rows, std::size_t firstRank, std::size_t endRank, std::size_t depth);
-  bool project(const RankedRows& rows, std::uint32_t rank, Level& next, std::size_t depth);
-  bool intersectAll(Level& table, std::size_t depth);
-  bool intersect(const std::vector<Member>& members, std::size_t words, std::size_t depth);
-  bool take(std::size_t pathLength, int count) { return sink_.take(path_.data(), pathLength, count); }
+  int* enter(std::size_t depth, std::uint32_t column, std::size_t rows);
+  std::uint32_t nextKept(std::size_t depth, std::uint32_t from, std::uint32_t end);
+  bool goesOn();
+  bool stopped() const { return stopped_; }
+
+  // The rank of a column of the table of a path of depth items.
+  std::uint32_t rankOf(std::size_t depth, std::uint32_t column) const {
+    return depth == 0 ? column : ranks_[depth][column];
+  }
 
   int minCount_;
-  std::size_t maxLength_;
   ItemsetSink& sink_;
-  IntersectAndCount intersectAndCount_;
-  std::vector<std::uint32_t> path_;             // ranks of the current set in the outermost rows
-  std::vector<std::unique_ptr<Level>> levels_;  // by depth, reused
+  ItemsetWalk<ItemsetEnumerator> walk_;
+  bool stopped_ = false;
+  std::vector<std::uint32_t> path_;                // ranks of the current set
+  std::vector<std::vector<std::uint32_t>> ranks_;  // by depth, by column; those of depth 0 are the columns
+  std::vector<int> counts_;                        // by column; all 0 but between enter() and nextKept()
 };
 
 }  // namespace korassoc::detail
