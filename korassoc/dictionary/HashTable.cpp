@@ -5,18 +5,10 @@
 
 namespace {
 
+using korassoc::detail::sameItems;
 using Buckets = korassoc::detail::BucketArray<HashTable::Entry>;
 
 constexpr std::uint32_t kElsewhere = 0x80000000U;  // marks the numbers of entries that are not the pool's
-
-bool sameItems(const ItemSet& stored, const ItemSetView& set) {
-  if (stored.length() != set.length) return false;
-  const int* const items = stored.getTheArray();
-  for (int i = 0; i < set.length; ++i) {  // few of them: nothing to call for
-    if (items[i] != set.items[i]) return false;
-  }
-  return true;
-}
 
 std::uint64_t codeOf(const ItemSet& set) {
   return korassoc::detail::setCode(set.getTheArray(), set.length());
@@ -200,7 +192,9 @@ HashTable::Entry* HashTable::findEntry(std::uint64_t code, Matches&& matches) co
 }
 
 HashTable::Entry* HashTable::find(const ItemSetView& set) const {
-  return findEntry(set.code, [&set](const Entry& entry) { return sameItems(*entry.key, set); });
+  return findEntry(set.code, [&set](const Entry& entry) {
+    return entry.key->length() == set.length && sameItems(entry.key->getTheArray(), set.items, set.length);
+  });
 }
 
 // Sets are equal when their hash codes are, too: a set that lost items since its code was computed finds

@@ -56,7 +56,7 @@ class EntryList {
  public:
   using Packed = HashTable::Packed;
 
-  explicit EntryList(HashTable& table, Entry* first = nullptr) : table_(table), first_(first) {}
+  EntryList(HashTable& table, Entry* first) : table_(table), first_(first) {}
   // packed: as of HashTable::readLevel().
   EntryList(HashTable& table, int setLength, int entries, Packed* packed) : table_(table), first_(nullptr) {
     if (packed == nullptr || entries < 1) return;
@@ -97,8 +97,7 @@ class EntryList {
     PackedLevel& level = **packed_;
     const ItemSetView view(set);
     if (level.canHold(set, descriptor)) {
-      if (level.find(view) == PackedLevel::kNone)
-        level.add(view, static_cast<const CarmaSetDescriptor&>(descriptor));
+      if (!level.find(view).isStored()) level.add(view, static_cast<const CarmaSetDescriptor&>(descriptor));
       return true;
     }
     level.forEachAdded([this](ItemSet&& added, const CarmaSetDescriptor& counts) {

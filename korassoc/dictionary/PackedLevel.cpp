@@ -1,6 +1,7 @@
 #include "korassoc/dictionary/PackedLevel.h"
 
 #include <algorithm>
+#include <bit>
 #include <numeric>
 #include <typeinfo>
 
@@ -9,22 +10,24 @@
 namespace korassoc::detail {
 
 PackedLevel::PackedLevel(int length, int initialBuckets)
-    : length_(length), stride_(kItems + static_cast<std::size_t>(length)), buckets_(initialBuckets) {}
+    : length_(length),
+      stride_(PackedRecord::kCells + static_cast<std::size_t>(length)),
+      chunkBits_(static_cast<int>(std::bit_width(std::max<std::size_t>(kChunkCells / stride_, 1))) - 1),
+      buckets_(initialBuckets) {}
 
 bool PackedLevel::canHold(const ItemSet& set, const SetCounter& descriptor) const {
   return set.length() == length_ && typeid(descriptor) == typeid(CarmaSetDescriptor) && descriptor.TID >= 0;
 }
 
-PackedLevel::Number PackedLevel::find(const ItemSetView& set) const {
-  return find(set.code,
-              [&set](const int* items) { return std::equal(set.items, set.items + set.length, items); });
+PackedRecord PackedLevel::find(const ItemSetView& set) {
+  return find(set.code, [&set](const int* items) { return sameItems(items, set.items, set.length); });
 }
 
 // Makes room for one set more, so that adding it does not fail.
 void PackedLevel::makeRoom() {
   index_.makeRoom();
-  if (count_ == chunks_.size() * kChunk)
-    chunks_.push_back(std::make_unique_for_overwrite<int[]>(kChunk * stride_));
+  if (count_ == chunks_.size() << chunkBits_)
+    chunks_.push_back(std::make_unique_for_overwrite<int[]>(stride_ << chunkBits_));
   if (growths_.size() == growths_.capacity()) growths_.reserve(growths_.size() + 8);
 }
 
@@ -40,11 +43,9 @@ void PackedLevel::add(const ItemSetView& set, const CarmaSetDescriptor& descript
 }
 
 void PackedLevel::append(const int* items, const CarmaSetDescriptor& descriptor) {
-  int* const cells = record(static_cast<Number>(count_));
-  cells[kCount] = descriptor.count;
-  cells[kTransaction] = descriptor.TID;
-  cells[kMaxMissed] = descriptor.maxMissed;
-  std::copy(items, items + length_, cells + kItems);
+  int* const to = cells(static_cast<Number>(count_));
+  PackedRecord(to).assign(descriptor);
+  std::copy(items, items + length_, to + PackedRecord::kCells);
   ++count_;
 }
 
@@ -53,7 +54,7 @@ int PackedLevel::removeBelow(int bound) {
   Number kept = 0;
   for (Number number = 0; number < count_; ++number) {
     for (; growth != growths_.end() && growth->sets == number; ++growth) growth->sets = kept;
-    if (countOf(number) < bound) continue;
+    if (PackedRecord(cells(number)).count() < bound) continue;
     closeGap(number, kept++);
   }
   for (; growth != growths_.end(); ++growth) growth->sets = kept;
@@ -67,8 +68,8 @@ int PackedLevel::removeBelow(int bound) {
 
 void PackedLevel::closeGap(Number from, Number to) {
   if (from == to) return;
-  const int* source = record(from);
-  std::copy(source, source + stride_, record(to));
+  const int* source = cells(from);
+  std::copy(source, source + stride_, cells(to));
 }
 
 // The first so many of the order, by rising bucket, each chain from its head.

@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <memory>
 #include <vector>
 
@@ -12,6 +11,7 @@
 #include "korassoc/dictionary/CarmaSetDescriptor.h"
 #include "korassoc/dictionary/CodeIndex.h"
 #include "korassoc/dictionary/HashTable.h"
+#include "korassoc/dictionary/PackedRecord.h"
 #include "korassoc/itemsets/ItemSetView.h"
 
 namespace korassoc::detail {
@@ -33,9 +33,6 @@ namespace korassoc::detail {
 // Memory of a pair: 20 bytes and the index's 11 to 21.
 class PackedLevel {
  public:
-  using Number = std::uint32_t;
-  static constexpr Number kNone = CodeIndex::kNone;
-
   // For sets of so many items, at least one.
   PackedLevel(int length, int initialBuckets);
   // Whether it can hold the set: one of its length with a CarmaSetDescriptor stored at a transaction.
@@ -43,32 +40,24 @@ class PackedLevel {
 
   int count() const { return static_cast<int>(count_); }
 
-  // The set with this code for which matches(items) answers true, or kNone.
+  // The set with this code for which matches(items) answers true, if it is stored.
   template <typename Matches>
-  Number find(std::uint64_t code, Matches&& matches) const {
-    return index_.find(code, [&](Number number) { return matches(items(number)); });
+  PackedRecord find(std::uint64_t code, Matches&& matches) {
+    PackedRecord found;
+    index_.find(code, [&](Number number) {
+      const PackedRecord asked(cells(number));
+      if (!matches(asked.items())) return false;
+      found = asked;
+      return true;
+    });
+    return found;
   }
-  Number find(const ItemSetView& set) const;
+  PackedRecord find(const ItemSetView& set);
   // Starts to fetch what find() looks at first.
   void prefetch(std::uint64_t code) const { index_.prefetchHome(code); }
 
   // Adds a set of the level's length that is not stored yet. Changes nothing when memory runs out.
   void add(const ItemSetView& set, const CarmaSetDescriptor& descriptor);
-
-  // A stored set. Numbers stay until something is pruned.
-  const int* items(Number number) const { return record(number) + kItems; }
-  int countOf(Number number) const { return record(number)[kCount]; }
-  int transactionOf(Number number) const { return record(number)[kTransaction] & ~kExtendedBit; }
-  int maxMissedOf(Number number) const { return record(number)[kMaxMissed]; }
-  // Counts one more transaction; a count at the top of its range stays there.
-  void increment(Number number) {
-    int& count = record(number)[kCount];
-    if (count < SetCounter::kMaxCount) ++count;
-  }
-
-  // Whether note was taken that a superset of this set is stored.
-  bool isExtended(Number number) const { return (record(number)[kTransaction] & kExtendedBit) != 0; }
-  void noteExtended(Number number) { record(number)[kTransaction] |= kExtendedBit; }
 
   // Removes the sets with a smaller count than bound; returns how many. Does not fail.
   int removeBelow(int bound);
@@ -78,35 +67,32 @@ class PackedLevel {
   // Calls visit(const ItemSet&, const CarmaSetDescriptor&) for every set, in the order of the table.
   template <typename Visitor>
   void forEach(Visitor&& visit) const {
-    for (const Number number : tableOrder()) visit(ItemSet(items(number), length_), descriptor(number));
+    for (const Number number : tableOrder()) visit(set(number), descriptor(number));
   }
   // The same in the order in which they were added.
   template <typename Visitor>
   void forEachAdded(Visitor&& visit) const {
-    for (Number number = 0; number < count_; ++number)
-      visit(ItemSet(items(number), length_), descriptor(number));
+    for (Number number = 0; number < count_; ++number) visit(set(number), descriptor(number));
   }
 
  private:
+  using Number = std::uint32_t;
+
   // The table grew when it held so many sets.
   struct Growth {
     Number sets;
     BucketGrowth former;
   };
-  static constexpr int kExtendedBit =
-      std::numeric_limits<int>::min();  // numbers of transactions leave it free
-  enum Cell : std::size_t { kCount, kTransaction, kMaxMissed, kItems };
 
-  // Chunks, so that a level that grows is not copied.
-  static constexpr Number kChunk = 4096;  // records
+  // Chunks, so that a level that grows is not copied: of so many cells, or of one record that has more.
+  static constexpr std::size_t kChunkCells = 8192;
 
-  int* record(Number number) { return chunks_[number / kChunk].get() + number % kChunk * stride_; }
-  const int* record(Number number) const {
-    return chunks_[number / kChunk].get() + number % kChunk * stride_;
+  int* cells(Number number) const {
+    return chunks_[number >> chunkBits_].get() + (number & ((Number{1} << chunkBits_) - 1)) * stride_;
   }
-  CarmaSetDescriptor descriptor(Number number) const {
-    return CarmaSetDescriptor(countOf(number), transactionOf(number), maxMissedOf(number));
-  }
+  const int* items(Number number) const { return cells(number) + PackedRecord::kCells; }
+  ItemSet set(Number number) const { return ItemSet(items(number), length_); }
+  CarmaSetDescriptor descriptor(Number number) const { return PackedRecord(cells(number)).descriptor(); }
   void makeRoom();
   void append(const int* items, const CarmaSetDescriptor& descriptor);
   void enroll(Number number) { index_.add(setCode(items(number), length_), number); }
@@ -117,6 +103,7 @@ class PackedLevel {
 
   int length_;
   std::size_t stride_;  // cells of a record
+  int chunkBits_;       // a chunk has two to the power of it records
   std::size_t count_ = 0;
   std::vector<std::unique_ptr<int[]>> chunks_;
   CodeIndex index_;

@@ -65,7 +65,7 @@ int SetDictionary::initialBuckets(int level) const {
 }
 
 HashTable& SetDictionary::table(int level) {
-  if (isPacked(level)) unpackAll();
+  if (isLevelPacked(level)) unpackAll();
   const auto index = static_cast<std::size_t>(level);
   if (index >= levels_.size()) levels_.resize(index + 1);
   if (levels_[index] == nullptr) levels_[index] = std::make_unique<HashTable>(initialBuckets(level), pool_);
@@ -80,7 +80,7 @@ const HashTable& SetDictionary::levelTable(int level) const {
 // --- Sizes ---
 
 int SetDictionary::countInMemory(int level) const {
-  if (!isPacked(level)) return levelTable(level).count();
+  if (!isLevelPacked(level)) return levelTable(level).count();
   const korassoc::detail::PackedLevel* sets = packedLevel(level);
   return sets != nullptr ? sets->count() : 0;
 }

@@ -249,7 +249,7 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   // incrementSet() that also tells where the stored items are (those of the argument for a set on disk).
   Counted increment(const ItemSetView& set);
   SetCounter* find(const ItemSetView& set);
-  // Whether the sets are packed, and those of one length, 1 or more, then (null: never held one).
+  // Whether the sets are packed, and, when they are, those of one length, 1 or more (null: never held one).
   bool isPacked() const { return packed_ != nullptr; }
   korassoc::detail::PackedLevel* packedLevel(int length) const {
     const auto index = static_cast<std::size_t>(length);
@@ -272,7 +272,7 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   // What is stored from now on need not be so.
   void setOpen() { closed_ = false; }
   // addSet() of a copy of the set with a copy of the descriptor, without an allocation of its own where there
-  // is room.
+  // is room. For the phase I step alone, which takes note of the packed sets that the new one extends.
   int add(const ItemSetView& set, const CarmaSetDescriptor& descriptor);
   // Between the two calls evicted sets stay usable, with their last values.
   void holdEvicted() { holdsEvicted_ = true; }
@@ -328,7 +328,7 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   int initialBuckets(int level) const;
   HashTable& table(int level);
   HashTable* tableOrNull(int level) const {
-    if (isPacked(level)) unpackAll();
+    if (isLevelPacked(level)) unpackAll();
     const auto index = static_cast<std::size_t>(level);  // one below 0 is beyond all
     return index < levels_.size() ? levels_[index].get() : nullptr;
   }
@@ -337,7 +337,7 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   }
   void unpackAll() const;
   bool mayBePacked() const;
-  bool isPacked(int level) const { return packed_ != nullptr && level != 0; }
+  bool isLevelPacked(int level) const { return packed_ != nullptr && level != 0; }
   void keepPacked(int level, std::unique_ptr<korassoc::detail::PackedLevel> sets);
   void keepTable(int level, std::unique_ptr<HashTable> table);
   int addPacked(const ItemSetView& set, const CarmaSetDescriptor& descriptor);

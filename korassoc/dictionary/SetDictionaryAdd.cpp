@@ -89,7 +89,7 @@ int SetDictionary::addSet(const OrderedArray& values, const OrderedArray& index,
 }
 
 int SetDictionary::add(const ItemSetView& set, const CarmaSetDescriptor& descriptor) {
-  if (isPacked(set.length)) return addPacked(set, descriptor);
+  if (isLevelPacked(set.length) && descriptor.TID >= 0) return addPacked(set, descriptor);
   const bool full = inStoreCount_ >= maxInStoreSets_;
   if (set.length <= maxLevel_ && !(full && diskSpill_)) {
     ItemSet key(set.items, set.length);
@@ -114,6 +114,7 @@ int SetDictionary::add(const ItemSetView& set, const CarmaSetDescriptor& descrip
 int SetDictionary::addPacked(const ItemSetView& set, const CarmaSetDescriptor& descriptor) {
   if (set.length > maxLevel_ || inStoreCount_ >= maxInStoreSets_) return kMemoryFull;
   using korassoc::detail::PackedLevel;
+  graph_.reset();
   if (packedLevel(set.length) == nullptr)
     keepPacked(set.length, std::make_unique<PackedLevel>(set.length, initialBuckets(set.length)));
   packedLevel(set.length)->add(set, descriptor);

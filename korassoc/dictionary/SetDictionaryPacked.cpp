@@ -28,16 +28,17 @@ void SetDictionary::unpackAll() const {
   packed_.reset();
 }
 
-// The two keep what was read for a level. A table that could not be packed unpacks those before it.
+// Makes these the sets of a level.
 void SetDictionary::keepPacked(int level, std::unique_ptr<PackedLevel> sets) {
   const auto index = static_cast<std::size_t>(level);
   if (index >= packed_->size()) packed_->resize(index + 1);
   (*packed_)[index] = std::move(sets);
 }
 
+// Keeps a table that was read and could not be packed: the levels before it are unpacked, too.
 void SetDictionary::keepTable(int level, std::unique_ptr<HashTable> table) {
   const auto index = static_cast<std::size_t>(level);
-  if (isPacked(level)) unpackAll();
+  if (isLevelPacked(level)) unpackAll();
   levels_.resize(index + 1);
   levels_[index] = std::move(table);
 }

@@ -27,7 +27,7 @@ int SetDictionary::removeSmall(int level, double minCount) {
   if (!bitsetOff_ && level >= 2) clearLevelBits(level - 1);
   const int bound = korassoc::detail::pruneCountBound(minCount);
   int removed = 0;
-  if (isPacked(level) && level > 0 && bitsetOff_) {
+  if (isPacked() && level > 0 && bitsetOff_) {
     korassoc::detail::PackedLevel* sets = packedLevel(level);
     removed = sets != nullptr ? sets->removeBelow(bound) : 0;
     inStoreCount_ = std::max(inStoreCount_ - removed, 0);  // a restored count may be too small

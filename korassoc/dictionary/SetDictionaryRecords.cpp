@@ -92,6 +92,7 @@ bool SetDictionary::accepts(const RecordHead& head) const {
 
 // Takes the values over and gives up all that was stored: the tables are going to be read.
 void SetDictionary::restart(const RecordHead& head) {
+  while (!smallQueue_.empty()) smallQueue_.pop();  // their blocks are used again, without links
   smallQueue_ = korassoc::detail::SmallQueue();
   queueTopCount_ = 0;
   refusedCopies_.clear();
@@ -117,11 +118,11 @@ void SetDictionary::readTables(Read&& read) {
   if (mayBePacked()) packed_ = std::make_unique<PackedLevels>();
   std::unique_ptr<HashTable> table;
   for (int level = 0;; ++level) {
-    if (table == nullptr) {  // what is packed leaves no blocks behind
+    if (table == nullptr) {  // what a table reads before it is packed must leave no blocks in the pool
       table = isPacked() ? std::make_unique<HashTable>(1) : std::make_unique<HashTable>(1, pool_);
     }
     HashTable::Packed packed;
-    read(*table, level, isPacked(level) ? &packed : nullptr);
+    read(*table, level, isLevelPacked(level) ? &packed : nullptr);
     if (packed != nullptr) {
       keepPacked(level, std::move(packed));
     } else if (table->count() > 0) {
@@ -156,8 +157,8 @@ std::uint64_t SetDictionary::writeObject(std::fstream& stream) const {
   record.flag(head.bitsetOff);
   std::uint64_t bytes = record.finish();
   for (int level = 0; stream.good(); ++level) {
-    bytes += isPacked(level) ? writePacked<korassoc::detail::TableRecordWriter>(level, stream)
-                             : levelTable(level).writeObject(stream);
+    bytes += isLevelPacked(level) ? writePacked<korassoc::detail::TableRecordWriter>(level, stream)
+                                  : levelTable(level).writeObject(stream);
     if (level == maxLevel_) break;
   }
   stream.flush();
@@ -201,8 +202,8 @@ std::uint64_t SetDictionary::writeObjectXML(std::ostream& out) const {
   object.WriteSubElement(out, head.bitsetOff);
   std::uint64_t lines = kValueLines + korassoc::detail::kFrameLines;
   for (int level = 0; out.good(); ++level) {
-    lines += isPacked(level) ? writePacked<korassoc::detail::TableObjectWriter>(level, out, kXmlTabs + 1)
-                             : levelTable(level).writeObjectXML(out, kXmlTabs + 1);
+    lines += isLevelPacked(level) ? writePacked<korassoc::detail::TableObjectWriter>(level, out, kXmlTabs + 1)
+                                  : levelTable(level).writeObjectXML(out, kXmlTabs + 1);
     if (level == maxLevel_) break;
   }
   object.EndObj(out);

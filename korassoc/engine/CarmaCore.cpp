@@ -46,8 +46,9 @@ KorStatus CarmaCore::step(SetDictionary& dictionary, const Transaction& transact
   try {
     dictionary.increment(ItemSetView(nullptr, 0));
     if (std::adjacent_find(items_.begin(), items_.end()) != items_.end()) dictionary.setOpen();
-    stored = dictionary.isPacked() ? runStep(packedStep_, dictionary, bounds)
-                                   : runStep(entryStep_, dictionary, bounds);
+    // Packed sets know no transactions below 0, with which a restored engine may go on; entries do.
+    stored = dictionary.isPacked() && nTrans_ >= 0 ? runStep(packedStep_, dictionary, bounds)
+                                                   : runStep(entryStep_, dictionary, bounds);
   } catch (...) {
     korassoc::detail::discardCurrentException();
     return KorStatus(40001, kError);

@@ -14,48 +14,44 @@ namespace korassoc::detail {
 // The sets as entries of the dictionary's tables, on disk included. What it has, PhaseIStep.h says.
 class EntrySets {
  public:
-  struct Set {
-    const int* items = nullptr;
-    SetCounter* descriptor = nullptr;
-  };
-  struct Met {
-    Set set;
-    int count = 0;
-    int transaction = 0;
-    long long upperBound = 0;
-    bool isExtended = true;
+  class Set {
+   public:
+    Set() = default;
+    Set(const int* itemsOf, SetCounter* descriptorOf) : items_(itemsOf), descriptor_(descriptorOf) {}
 
-    bool isStored() const { return set.descriptor != nullptr; }
+    bool isStored() const { return descriptor_ != nullptr; }
+    SetCounter* descriptor() const { return descriptor_; }
+    const int* items() const { return items_; }  // null: of find()
+    int count() const { return descriptor_->count; }
+    int transaction() const { return descriptor_->getTID(); }
+    long long upperBound() const { return static_cast<long long>(count()) + descriptor_->getMaxMissed(); }
+    static bool isExtended() { return true; }
+    void noteExtended() {}
+
+   private:
+    const int* items_ = nullptr;
+    SetCounter* descriptor_ = nullptr;
   };
   static constexpr bool kMayLeave = true;
 
   explicit EntrySets(SetDictionary& dictionary) : dictionary_(dictionary) {}
 
   // item: an element of something that lasts as long as the step.
-  Met meet(const int& item, std::uint64_t code) {
-    return metOf(dictionary_.increment(ItemSetView(&item, 1, code)));
+  Set meet(const int& item, std::uint64_t code) {
+    return setOf(dictionary_.increment(ItemSetView(&item, 1, code)));
   }
-  Met meet(const Set& parent, int length, const CodedItem& item, std::uint64_t code,
+  Set meet(const Set& parent, int length, const CodedItem& item, std::uint64_t code,
            std::vector<int>& candidate) {
     if (!dictionary_.mayHold(length + 1, code)) return {};
-    candidate.assign(parent.items, parent.items + length);
+    candidate.assign(parent.items(), parent.items() + length);
     candidate.push_back(item.item);
-    return metOf(dictionary_.increment(ItemSetView(candidate.data(), length + 1, code)));
+    return setOf(dictionary_.increment(ItemSetView(candidate.data(), length + 1, code)));
   }
-  Met find(const ItemSetView& set) { return metOf({nullptr, dictionary_.find(set)}); }
-  const int* items(const Set& set, int /*length*/) const { return set.items; }
-  long long upperBound(const Set& set, int /*length*/) const {
-    return static_cast<long long>(set.descriptor->count) + set.descriptor->getMaxMissed();
-  }
-  void noteExtended(const Set& /*set*/, int /*length*/) {}
+  Set find(const ItemSetView& set) { return {nullptr, dictionary_.find(set)}; }
   void prefetch(int length, std::uint64_t code) const { dictionary_.prefetch(length, code); }
 
  private:
-  Met metOf(const SetDictionary::Counted& counted) const {
-    if (counted.descriptor == nullptr) return {};
-    const Set set{counted.items, counted.descriptor};
-    return {set, counted.descriptor->count, counted.descriptor->getTID(), upperBound(set, 0)};
-  }
+  static Set setOf(const SetDictionary::Counted& counted) { return {counted.items, counted.descriptor}; }
 
   SetDictionary& dictionary_;
 };

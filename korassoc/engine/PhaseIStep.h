@@ -37,24 +37,18 @@ struct StepRecords {
 //
 // Sets is how the dictionary keeps them, EntrySets or PackedSets. Both have:
 //
-//   Set                     a stored set; it lasts as long as the step
-//   Met                     a set that was looked for, and counted if it is stored, with its values then
-//   meet(item, code)        counts the set of one item
-//   meet(parent, length,    counts the parent, of so many items, with a larger item added; candidate is room
-//   to
-//     item, code,           put that set together in
-//     candidate)
-//   find(set)               the set without counting it
-//   items, upperBound       of a stored set of the given length: its items; the most transactions that can
-//   hold
-//                           it, by what is known of it
-//   noteExtended            takes note that a superset is stored; Met::isExtended is false where nobody did
-//   prefetch(length, code)  starts to fetch what meet() looks at first
-//   kMayLeave               whether sets may make room for others while the step runs
+//   Set                  what a look-up finds: whether the set isStored(), and then its values as they are
+//                        now; it lasts as long as the step
+//   meet(item, code)     counts the set of one item
+//   meet(parent, ...)    counts the parent, of so many items, with a larger item added; candidate is room
+//                        in which that set can be put together
+//   find(set)            the set without counting it
+//   prefetch             starts to fetch what meet() looks at first
+//   kMayLeave            whether sets may make room for others while the step runs
 //
 // Ownership: owns its buffers, which are kept from step to step.
 // Cost: one look-up for each pair of a work list entry and a later item. Where the dictionary is closed under
-// taking subsets, the pair {1 3}, 8 is passed over when {1 8} is not stored.
+// taking subsets, the pair {1 3}, 8 is passed over when {1 8} is not stored, and so is what isBarren().
 template <typename Sets>
 class PhaseIStep {
  public:
@@ -70,7 +64,6 @@ class PhaseIStep {
 
  private:
   using Set = typename Sets::Set;
-  using Met = typename Sets::Met;
   struct Found {
     Set set;
     int length;
@@ -93,11 +86,12 @@ class PhaseIStep {
   bool extend(Run& run, std::size_t place, const CodedItem& item, int singleCount);
   void push(Run& run, const Found& found, bool barren);
   void prefetch(const Run& run, std::size_t parent, const CodedItem& item) const;
-  bool isBarren(const Run& run, const Met& met) const;
+  void noteTried(Run& run, std::size_t place) const;
+  bool isBarren(const Run& run, const Set& set) const;
   bool checkSubsets(Run& run, const ItemSetView& candidate, long long parentBound, long long& missed);
   bool add(Run& run, const ItemSetView& set, long long missed);
   void releaseUnused(SetDictionary& dictionary);
-  ItemSetView candidate(const Run& run, const Found& parent, const CodedItem& item);
+  ItemSetView candidate(const Found& parent, const CodedItem& item);
 
   int maxLengthSet_;
   std::vector<int> candidate_;  // a stored set and one more item

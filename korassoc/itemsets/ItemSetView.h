@@ -7,6 +7,18 @@
 #include "korassoc/itemsets/ItemCode.h"
 #include "korassoc/itemsets/ItemSet.h"
 
+namespace korassoc::detail {
+
+// Whether the n items are the same. Sets are small: a loop, and nothing to call for.
+inline bool sameItems(const int* a, const int* b, int n) {
+  for (int i = 0; i < n; ++i) {
+    if (a[i] != b[i]) return false;
+  }
+  return true;
+}
+
+}  // namespace korassoc::detail
+
 // The ascending items of a set with their code: the one form to which every form of a set argument (array,
 // index selection, single item, ItemSet) is reduced before it is looked up. Owns nothing.
 struct ItemSetView {

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,7 @@
 namespace {
 
 using korassoc::detail::PackedLevel;
+using korassoc::detail::PackedRecord;
 
 std::string text(const ItemSet& set, const CarmaSetDescriptor& descriptor) {
   std::string line;
@@ -101,7 +103,7 @@ TEST(PackedLevel, HasTheOrderOfAHashTableAfterAnyAdditionsAndPrunings) {
 
 TEST(PackedLevel, FindsWhatItHoldsAndNothingElse) {
   PackedLevel level(2, 7);
-  EXPECT_EQ(level.find(ItemSetView(ItemSet(std::vector<int>{1, 2}.data(), 2))), PackedLevel::kNone);
+  EXPECT_FALSE(level.find(ItemSetView(std::vector<int>{1, 2}.data(), 2)).isStored());
   for (int item = 2; item < 200; ++item) {
     const std::vector<int> items{1, item};
     level.add(ItemSetView(items.data(), 2), CarmaSetDescriptor(item, item + 1, item + 2));
@@ -110,16 +112,14 @@ TEST(PackedLevel, FindsWhatItHoldsAndNothingElse) {
   EXPECT_EQ(level.count(), 100);
   for (int item = 2; item < 200; ++item) {
     const std::vector<int> items{1, item};
-    const PackedLevel::Number number = level.find(ItemSetView(items.data(), 2));
-    if (item < 100) {
-      EXPECT_EQ(number, PackedLevel::kNone) << item;
-      continue;
-    }
-    ASSERT_NE(number, PackedLevel::kNone) << item;
-    EXPECT_EQ(level.items(number)[1], item);
-    EXPECT_EQ(level.countOf(number), item);
-    EXPECT_EQ(level.transactionOf(number), item + 1);
-    EXPECT_EQ(level.maxMissedOf(number), item + 2);
+    const PackedRecord set = level.find(ItemSetView(items.data(), 2));
+    ASSERT_EQ(set.isStored(), item >= 100) << item;
+    if (!set.isStored()) continue;
+    EXPECT_EQ(set.items()[1], item);
+    EXPECT_EQ(set.count(), item);
+    EXPECT_EQ(set.transaction(), item + 1);
+    EXPECT_EQ(set.upperBound(), 2 * item + 2);
+    EXPECT_EQ(set.descriptor().maxMissed, item + 2);
   }
 }
 
@@ -127,25 +127,27 @@ TEST(PackedLevel, LeavesACountAtTheTopOfItsRangeThere) {
   PackedLevel level(1, 7);
   const int item = 5;
   level.add(ItemSetView(&item, 1), CarmaSetDescriptor(SetCounter::kMaxCount - 1, 1, 0));
-  for (int i = 0; i < 3; ++i) level.increment(0);
-  EXPECT_EQ(level.countOf(0), SetCounter::kMaxCount);
+  PackedRecord set = level.find(ItemSetView(&item, 1));
+  for (int i = 0; i < 3; ++i) set.increment();
+  EXPECT_EQ(level.find(ItemSetView(&item, 1)).count(), SetCounter::kMaxCount);
 }
 
 TEST(PackedLevel, KeepsTheNoteOfASupersetThroughPruningAndShowsItNowhere) {
   PackedLevel level(1, 7);
   for (const int item : {5, 6, 7}) level.add(ItemSetView(&item, 1), CarmaSetDescriptor(item, 30 + item, 0));
-  level.noteExtended(1);
-  EXPECT_FALSE(level.isExtended(0));
-  EXPECT_TRUE(level.isExtended(1));
-  EXPECT_FALSE(level.isExtended(2));
-  EXPECT_EQ(level.transactionOf(1), 36);
+  const auto find = [&level](int item) { return level.find(ItemSetView(&item, 1)); };
+  find(6).noteExtended();
+  EXPECT_FALSE(find(5).isExtended());
+  EXPECT_TRUE(find(6).isExtended());
+  EXPECT_FALSE(find(7).isExtended());
+  EXPECT_EQ(find(6).transaction(), 36);
   ASSERT_EQ(level.removeBelow(6), 1);
-  EXPECT_TRUE(level.isExtended(0));
-  EXPECT_FALSE(level.isExtended(1));
+  EXPECT_TRUE(find(6).isExtended());
+  EXPECT_FALSE(find(7).isExtended());
   HashTable table(1);
   level.fill(table);
-  const int item = 6;
-  EXPECT_EQ(table.find(ItemSetView(&item, 1))->descriptor->getTID(), 36);
+  const int noted = 6;
+  EXPECT_EQ(table.find(ItemSetView(&noted, 1))->descriptor->getTID(), 36);
 }
 
 TEST(PackedLevel, HoldsNothingButSetsOfItsLengthAsPhaseIStoresThem) {
@@ -159,4 +161,20 @@ TEST(PackedLevel, HoldsNothingButSetsOfItsLengthAsPhaseIStoresThem) {
   EXPECT_FALSE(pairs.canHold(pair, CarmaSetDescriptor(1, -1, 0)));
   EXPECT_FALSE(pairs.canHold(pair, SetCounter(1, 1)));
   EXPECT_FALSE(pairs.canHold(pair, LatticeSetDescriptor(1, 1, 0)));
+}
+
+TEST(PackedLevel, HoldsSetsOfAnyLength) {
+  std::vector<int> items(100000);
+  std::iota(items.begin(), items.end(), -50000);
+  PackedLevel level(100000, 7);
+  for (int i = 0; i < 5; ++i) {
+    items.back() = 1000000 + i;
+    level.add(ItemSetView(items.data(), 100000), CarmaSetDescriptor(i, 1, 0));
+  }
+  for (int i = 0; i < 5; ++i) {
+    items.back() = 1000000 + i;
+    const PackedRecord set = level.find(ItemSetView(items.data(), 100000));
+    ASSERT_TRUE(set.isStored());
+    EXPECT_EQ(set.count(), i);
+  }
 }

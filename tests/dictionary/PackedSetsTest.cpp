@@ -10,6 +10,7 @@
 
 #include "korassoc/dictionary/CarmaSetDescriptor.h"
 #include "korassoc/dictionary/CompleteItemsets.h"
+#include "korassoc/dictionary/LatticeGraph.h"
 #include "korassoc/dictionary/SetDictionary.h"
 #include "korassoc/engine/DictionarySettings.h"
 #include "tests/support/Dice.h"
@@ -236,4 +237,39 @@ TEST(PackedSets, GiveWayToACompleteResult) {
   EXPECT_EQ(store.dictionary->getTotalSetCount(), 4);
   EXPECT_EQ(store.dictionary->getCount(2), 6);
   EXPECT_EQ(store.dictionary->getEmptySetCount(), 9);
+}
+
+TEST(PackedSets, ShowInTheGraphThatWasThereBeforeThem) {
+  Store store;
+  EXPECT_EQ(store.dictionary->graph().size(), 1);
+  store.add({1}, 5);
+  store.add({2}, 5);
+  store.add({1, 2}, 5);
+  EXPECT_EQ(store.dictionary->graph().size(), 4);
+}
+
+TEST(PackedSets, DoNotIncludeWhatWasStoredAtNoTransaction) {
+  Store store;
+  store.add({1}, 5);
+  const int item = 2;
+  ASSERT_EQ(store.dictionary->add(ItemSetView(&item, 1), CarmaSetDescriptor(1, -4, 0)), 0);
+  EXPECT_FALSE(store.dictionary->isPacked());
+  EXPECT_EQ(store.dictionary->getDescriptor(2)->getTID(), -4);
+  EXPECT_EQ(store.dictionary->getTotalSetCount(), 3);
+}
+
+TEST(SetDictionaryRecord, ReadIntoADictionaryWithAQueueLeavesNothingOfTheQueue) {
+  const auto queued = [](DictionarySettings& settings) { settings.SetLeaveInMainStoreCount(2); };
+  Store store(queued);
+  for (int item = 1; item <= 20; ++item) store.add({item}, 1);
+  RecordStream record(binary(*store.dictionary));
+  store.dictionary->readObject(record.stream());
+  EXPECT_TRUE(store.dictionary->smallQueue().empty());
+  for (int item = 21; item <= 60; ++item) store.add({item}, 1);
+  EXPECT_EQ(store.dictionary->smallQueue().count(), 40);
+  for (int item = 1; item <= 60; ++item) store.dictionary->incrementSet(item);
+  for (int item = 1; item <= 60; ++item) EXPECT_EQ(store.dictionary->getCount(item), 2) << item;
+  int inQueue = 0;
+  while (store.dictionary->queuePop() != nullptr) ++inQueue;
+  EXPECT_EQ(inQueue, 40);
 }

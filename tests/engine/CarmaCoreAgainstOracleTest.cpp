@@ -145,6 +145,29 @@ TEST_P(CarmaCoreAgainstOracle, SecondPassCountsEveryOccurrence) {
   }
 }
 
+// A restored engine may go on from any number of transactions.
+TEST(CarmaCore, CountsFromANegativeNumberOfTransactionsAsWell) {
+  const DictionarySettings defaults;
+  std::vector<std::unique_ptr<SetDictionary>> dictionaries;
+  DictionarySettings settings = defaults;
+  for (const bool looked : {false, true}) {
+    dictionaries.push_back(std::make_unique<SetDictionary>(4, &settings, true));
+    SetDictionary& dictionary = *dictionaries.back();
+    auto emptySet = std::make_unique<CarmaSetDescriptor>(0, 0, 0);
+    ASSERT_TRUE(dictionary.addEmptySet(emptySet.get()));
+    static_cast<void>(emptySet.release());
+    if (looked) dictionary.levelTable(1);
+    CarmaCore core(4, 3);
+    core.restoreTransactions(-5, 0.1);
+    for (int t = 0; t < 8; ++t)
+      ASSERT_TRUE(core.step(dictionary, VectorTransaction({1, 2, 3}), 0.1, 0.1, 1.0).IsOK());
+  }
+  EXPECT_EQ(dictionaries[0]->getTotalSetCount(), dictionaries[1]->getTotalSetCount());
+  EXPECT_EQ(dictionaries[0]->getDescriptor(1)->getTID(), -4);
+  const ItemSet all(ItemSet(ItemSet(1), 2), 3);
+  EXPECT_EQ(dictionaries[0]->getCount(&all), dictionaries[1]->getCount(&all));
+}
+
 INSTANTIATE_TEST_SUITE_P(Seeds, CarmaCoreAgainstOracle, testing::Range(0, 4));
 
 }  // namespace

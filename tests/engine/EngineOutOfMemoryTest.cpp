@@ -17,6 +17,7 @@
 #include "tests/support/EngineHost.h"
 #include "tests/support/FailingAllocator.h"
 #include "tests/support/StreamCapture.h"
+#include "tests/support/VectorTransactions.h"
 
 namespace {
 
@@ -49,6 +50,29 @@ struct SmallEngine : EngineHost {
 };
 
 }  // namespace
+
+TEST(CarmaCore, KnowsTheCandidateForWhichThereWasNoMemory) {
+  DictionarySettings settings;
+  int longest = -1;
+  bool done = false;
+  for (int allocations = 0; !done; ++allocations) {
+    ASSERT_LT(allocations, kNeverSoMany);
+    SetDictionary dictionary(4, &settings, true);
+    auto emptySet = std::make_unique<CarmaSetDescriptor>(0, 0, 0);
+    ASSERT_TRUE(dictionary.addEmptySet(emptySet.get()));
+    static_cast<void>(emptySet.release());
+    CarmaCore core(4, 3);
+    ASSERT_TRUE(core.step(dictionary, VectorTransaction({1, 2}), 0.1, 0.1, 1.0).IsOK());
+    ASSERT_EQ(core.longestCandidate(), 0);
+    const VectorTransaction transaction({1, 2});
+    {
+      const FailingAllocator failing(allocations);
+      done = core.step(dictionary, transaction, 0.1, 0.1, 1.0).IsOK();
+    }
+    if (!done) longest = core.longestCandidate();
+  }
+  EXPECT_EQ(longest, 2);  // the last failure was that of storing {1, 2}
+}
 
 TEST(CarmaCore, LeavesAWholeDictionaryWhenMemoryRunsOutInAStep) {
   DictionarySettings settings;
