@@ -1,4 +1,4 @@
-// Where the sets that the first pass adds live.
+// Where the sets live that a table makes entries for itself.
 
 #pragma once
 

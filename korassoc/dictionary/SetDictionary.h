@@ -363,7 +363,8 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   void linkLevels();
   static void linkSubsets(const ItemSet& set, const korassoc::detail::SubsetIndex& subsets, int level);
 
-  std::shared_ptr<HashTable::Pool> pool_ = std::make_shared<HashTable::Pool>();  // of the levels' entries
+  std::shared_ptr<HashTable::Pool> pool_ =
+      std::make_shared<HashTable::Pool>();  // of the levels' entries, but for tables that were read
   using PackedLevels = std::vector<std::unique_ptr<korassoc::detail::PackedLevel>>;
   mutable std::vector<std::unique_ptr<HashTable>> levels_;  // made when first needed; null: never held a set
   mutable std::unique_ptr<PackedLevels> packed_;            // null: the sets are unpacked

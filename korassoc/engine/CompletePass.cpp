@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "korassoc/engine/PassedFilter.h"
 #include "korassoc/itemsets/CountBound.h"
 
 namespace korassoc::detail {

@@ -28,18 +28,4 @@ class PassedSets final : public ItemsetSink {
   std::size_t size_ = 0;
 };
 
-// Lets those sets through that hold a passed set.
-class PassedFilter final : public ItemsetSink {
- public:
-  PassedFilter(const PassedSets& passed, ItemsetSink& sink) : passed_(passed), sink_(sink) {}
-
-  bool take(const std::uint32_t* ranks, std::size_t n, int count) override;
-  bool goesOn() override { return sink_.goesOn(); }
-
- private:
-  const PassedSets& passed_;
-  ItemsetSink& sink_;
-  std::vector<std::uint32_t> sorted_;
-};
-
 }  // namespace korassoc::detail

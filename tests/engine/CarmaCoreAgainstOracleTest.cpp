@@ -20,11 +20,38 @@
 
 namespace {
 
-void apply(const oracle::PlainSettings& plain, DictionarySettings& settings) {
+DictionarySettings settingsOf(const oracle::PlainSettings& plain) {
+  DictionarySettings settings;
   settings.SetInitialBoundarySearchSize(plain.initialBoundarySearchSize);
   settings.SetInitialHashtableSet23Size(plain.initialHashtableSet23Size);
   settings.SetInitialSetSize(plain.initialSetSize);
+  return settings;
 }
+
+void addEmptySet(SetDictionary& dictionary) {
+  auto emptySet = std::make_unique<CarmaSetDescriptor>(0, 0, 0);
+  ASSERT_TRUE(dictionary.addEmptySet(emptySet.get()));
+  static_cast<void>(emptySet.release());
+}
+
+// The library's dictionary and step beside the plain ones.
+struct Both {
+  explicit Both(const oracle::PlainSettings& plainSettings)
+      : settings(settingsOf(plainSettings)),
+        dictionary(plainSettings.maxLengthSet, &settings, true),
+        core(plainSettings.maxLengthSet, 3),
+        plain(plainSettings),
+        step(plainSettings.maxLengthSet, plain) {
+    addEmptySet(dictionary);
+    plain.addEmptySet();
+  }
+
+  DictionarySettings settings;
+  SetDictionary dictionary;
+  CarmaCore core;
+  oracle::PlainDictionary plain;
+  oracle::PlainStep step;
+};
 
 class CarmaCoreAgainstOracle : public testing::TestWithParam<int> {};
 
@@ -33,16 +60,11 @@ class CarmaCoreAgainstOracle : public testing::TestWithParam<int> {};
 void runBoth(std::uint64_t seed, std::size_t firstLook) {
   const RandomRun run = randomRun(seed);
   Dice dice(seed + 77);
-  DictionarySettings settings;
-  apply(run.settings, settings);
-  SetDictionary dictionary(run.settings.maxLengthSet, &settings, true);
-  auto emptySet = std::make_unique<CarmaSetDescriptor>(0, 0, 0);
-  ASSERT_TRUE(dictionary.addEmptySet(emptySet.get()));
-  emptySet.release();
-  CarmaCore core(run.settings.maxLengthSet, 3);
-  oracle::PlainDictionary plain(run.settings);
-  plain.addEmptySet();
-  oracle::PlainStep step(run.settings.maxLengthSet, plain);
+  Both both(run.settings);
+  SetDictionary& dictionary = both.dictionary;
+  CarmaCore& core = both.core;
+  oracle::PlainDictionary& plain = both.plain;
+  oracle::PlainStep& step = both.step;
 
   double sigma = 0;
   double supportCount = 1.0;
@@ -96,16 +118,11 @@ TEST_P(CarmaCoreAgainstOracle, SecondPassCountsEveryOccurrence) {
   for (std::uint64_t seed = 0; seed < 40; ++seed) {
     RandomRun run = randomRun(static_cast<std::uint64_t>(GetParam()) * 1000 + 500 + seed);
     Dice dice(seed);
-    DictionarySettings settings;
-    apply(run.settings, settings);
-    SetDictionary dictionary(run.settings.maxLengthSet, &settings, true);
-    auto emptySet = std::make_unique<CarmaSetDescriptor>(0, 0, 0);
-    ASSERT_TRUE(dictionary.addEmptySet(emptySet.get()));
-    emptySet.release();
-    CarmaCore core(run.settings.maxLengthSet, 3);
-    oracle::PlainDictionary plain(run.settings);
-    plain.addEmptySet();
-    oracle::PlainStep step(run.settings.maxLengthSet, plain);
+    Both both(run.settings);
+    SetDictionary& dictionary = both.dictionary;
+    CarmaCore& core = both.core;
+    oracle::PlainDictionary& plain = both.plain;
+    oracle::PlainStep& step = both.step;
     for (const oracle::Items& items : run.transactions) {
       ASSERT_TRUE(core.step(dictionary, VectorTransaction(items), 0.02, 0.02, 1.0).IsOK());
       step.run(items, 0.02, 0.02, 1.0);
@@ -145,17 +162,26 @@ TEST_P(CarmaCoreAgainstOracle, SecondPassCountsEveryOccurrence) {
   }
 }
 
+TEST(CarmaCore, KnowsTheCandidateForWhichThereWasNoRoom) {
+  DictionarySettings settings;
+  settings.SetMaxInStoreSets(3);
+  SetDictionary dictionary(4, &settings, true);
+  addEmptySet(dictionary);
+  CarmaCore core(4, 3);
+  ASSERT_TRUE(core.step(dictionary, VectorTransaction({1, 2}), 0.1, 0.1, 1.0).IsOK());
+  ASSERT_EQ(core.longestCandidate(), 0);
+  EXPECT_EQ(core.step(dictionary, VectorTransaction({1, 2}), 0.1, 0.1, 1.0).GetCode(), 3);
+  EXPECT_EQ(core.longestCandidate(), 2);
+}
+
 // A restored engine may go on from any number of transactions.
 TEST(CarmaCore, CountsFromANegativeNumberOfTransactionsAsWell) {
-  const DictionarySettings defaults;
+  DictionarySettings settings;
   std::vector<std::unique_ptr<SetDictionary>> dictionaries;
-  DictionarySettings settings = defaults;
   for (const bool looked : {false, true}) {
     dictionaries.push_back(std::make_unique<SetDictionary>(4, &settings, true));
     SetDictionary& dictionary = *dictionaries.back();
-    auto emptySet = std::make_unique<CarmaSetDescriptor>(0, 0, 0);
-    ASSERT_TRUE(dictionary.addEmptySet(emptySet.get()));
-    static_cast<void>(emptySet.release());
+    addEmptySet(dictionary);
     if (looked) dictionary.levelTable(1);
     CarmaCore core(4, 3);
     core.restoreTransactions(-5, 0.1);

@@ -1,5 +1,6 @@
 // Passed sets, and the filter that lets through what holds one of them.
 
+#include "korassoc/engine/PassedFilter.h"
 #include "korassoc/engine/PassedSets.h"
 
 #include <gmock/gmock.h>
