@@ -277,16 +277,16 @@ SetCounter* SetDictionary::incrementSet(const OrderedArray& set) { return increm
 
 // --- Phase II ---
 
-void SetDictionary::prepareExactCounting(int fromLevel) {
+void SetDictionary::prepareExactCounting(int fromLevel, bool keepCounts) {
   noteCounting();
   unpack();
   itemBits_->reset();
   for (std::size_t level = static_cast<std::size_t>(std::max(fromLevel, 0)); level < levels_.size();
        ++level) {
     if (levels_[level] == nullptr) continue;
-    levels_[level]->forEach([this](HashTable::Entry& entry) {
+    levels_[level]->forEach([&](HashTable::Entry& entry) {
       if (entry.descriptor == nullptr) return;
-      entry.descriptor->count = 0;
+      if (!keepCounts) entry.descriptor->count = 0;
       entry.descriptor->setMaxMissed(0);
       markItems(entry.key);
     });

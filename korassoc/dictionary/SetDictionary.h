@@ -216,9 +216,9 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   void adopt(const korassoc::detail::CompleteItemsets& itemsets);
 
   // --- Phase II ---
-  // Makes ready for an exact count of all sets of at least fromLevel items: their counts and max missed
-  // become 0, and exactly the items that occur in them are marked.
-  void prepareExactCounting(int fromLevel);
+  // Makes ready for an exact count of all sets of at least fromLevel items: their max missed and, unless they
+  // are kept, their counts become 0, and exactly the items that occur in them are marked.
+  void prepareExactCounting(int fromLevel, bool keepCounts = false);
   // The number of transactions becomes n without a second pass.
   KorAssoc::KorStatus takeTransactionCount(int n);
 

@@ -87,6 +87,9 @@ class KORASSOC_EXPORT CarmaAssociationAlgorithm {
   KorAssoc::KorStatus RunPhaseI(int transactions);
 
   // Closes phase I if it is open, reads the same transactions again and builds the lattice from exact counts.
+  // Where phase I is known to have counted every set since it was stored, a set is counted only in what came
+  // before, so that this pass takes a small part of the first one's time. An iterator that turns out to have
+  // delivered other transactions is restarted and read once more: the counts are those of what it delivers.
   // Code 2, error: the iterator could not restart. Code 3, error: more sets are stored than the
   // settings allow.
   KorAssoc::KorStatus RunPhaseII();

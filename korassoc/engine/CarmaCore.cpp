@@ -7,6 +7,7 @@
 #include "korassoc/itemsets/CountBound.h"
 
 using KorAssoc::KorStatus;
+using korassoc::detail::ExactCounter;
 
 namespace {
 
@@ -29,12 +30,15 @@ void CarmaCore::fetch(const Transaction& transaction) {
 
 KorStatus CarmaCore::step(SetDictionary& dictionary, const Transaction& transaction, double sigmaPrev,
                           double sigma, double supportCount) {
+  // A step that still runs has been left by an exception, or a callback of its transaction makes this one.
+  steps_ = steps_ == Steps::kWhole ? Steps::kRunning : Steps::kBroken;
   const int length = std::max(transaction.GetLength(), 0);
   if (nTrans_ < std::numeric_limits<int>::max()) ++nTrans_;
   meanLength_ = (nTrans_ * meanLength_ + length) / nTrans_;
   maxLength_ = std::max(maxLength_, length);
   sigma_ = sigma;
   fetch(transaction);
+  first_.add(items_);
   if (dictionary.isLatticeBuilt()) return KorStatus();  // a callback of the transaction has ended phase I
 
   using korassoc::detail::countBound;
@@ -53,7 +57,9 @@ KorStatus CarmaCore::step(SetDictionary& dictionary, const Transaction& transact
     korassoc::detail::discardCurrentException();
     return KorStatus(40001, kError);
   }
-  return stored ? KorStatus() : KorStatus(3, kError);
+  if (!stored) return KorStatus(3, kError);
+  if (steps_ == Steps::kRunning) steps_ = Steps::kWhole;
+  return KorStatus();
 }
 
 template <typename Step>
@@ -67,21 +73,41 @@ bool CarmaCore::runStep(Step& step, SetDictionary& dictionary, const korassoc::d
 
 void CarmaCore::preparePhaseII(SetDictionary& dictionary, int fromLevel) {
   nTransII_ = 0;
+  countsBeforeTIDs_ = false;
   dictionary.prepareExactCounting(fromLevel);
-  exact_.prepare(dictionary, fromLevel);
+  exact_.prepare(dictionary, fromLevel, ExactCounter::Counted::kNothing);
+}
+
+// As long as the sets are packed nobody else has had a hand in their counts and TIDs. In a closed dictionary
+// a transaction's step meets every stored set that it holds: a set's subsets have been there for as long as
+// the set, and the pruning leaves no one-item set below the count from which the step extends it.
+bool CarmaCore::preparePhaseIIBeforeTIDs(SetDictionary& dictionary, int fromLevel) {
+  if (steps_ != Steps::kWhole || !dictionary.isPacked() || !dictionary.isClosed()) return false;
+  nTransII_ = 0;
+  countsBeforeTIDs_ = true;
+  second_ = {};
+  dictionary.prepareExactCounting(fromLevel, true);
+  exact_.prepare(dictionary, fromLevel, ExactCounter::Counted::kSinceStored);
+  return true;
 }
 
 void CarmaCore::stepPhaseII(const SetDictionary& dictionary, const Transaction& transaction) {
   if (nTransII_ < std::numeric_limits<int>::max()) ++nTransII_;
   fetch(transaction);
-  std::erase_if(items_, [&dictionary](int item) { return !dictionary.isMarked(item); });
+  if (countsBeforeTIDs_) second_.add(items_);
   dictionary.noteCounting();
+  if (exact_.isDone()) return;
+  std::erase_if(items_, [&dictionary](int item) { return !dictionary.isMarked(item); });
   exact_.count(items_);
 }
 
-void CarmaCore::endPhaseII() { exact_.clear(); }
+void CarmaCore::endPhaseII() {
+  exact_.clear();
+  countsBeforeTIDs_ = false;
+}
 
 void CarmaCore::restoreTransactions(int transactions, double averageSupport) {
+  steps_ = Steps::kBroken;
   nTrans_ = transactions;
   sigma_ = averageSupport;
 }

@@ -9,6 +9,7 @@
 #include "korassoc/engine/KorStatus.h"
 #include "korassoc/engine/PhaseIStep.h"
 #include "korassoc/engine/Transaction.h"
+#include "korassoc/engine/TransactionSequence.h"
 
 // CarmaCore counts a transaction's stored subsets and, in phase I, adds the candidates that it calls for
 // (PhaseIStep).
@@ -28,11 +29,20 @@ class CarmaCore {
   KorAssoc::KorStatus step(SetDictionary& dictionary, const Transaction& transaction, double sigmaPrev,
                            double sigma, double supportCount);
 
-  // Starts a second pass in which every stored set of at least fromLevel items is counted anew, from 0.
+  // Starts a second pass in which every stored set of at least fromLevel items is counted anew, from 0,
+  // whatever the order of the transactions.
   void preparePhaseII(SetDictionary& dictionary, int fromLevel);
-  // Counts one transaction of the second pass, whatever the order of the transactions. The dictionary must
-  // hold the sets that it held when the pass was prepared.
+  // Starts a second pass over the transactions of the first, in their order, in which every stored set of at
+  // least fromLevel items is counted only in those before its TID: phase I has counted it in all others.
+  // False, and nothing done, where that is not certain: the dictionary is not the work of this core's steps
+  // alone, has evicted sets, or a step has ended early.
+  bool preparePhaseIIBeforeTIDs(SetDictionary& dictionary, int fromLevel);
+  // Counts one transaction of the second pass. The dictionary must hold the sets that it held when the pass
+  // was prepared.
   void stepPhaseII(const SetDictionary& dictionary, const Transaction& transaction);
+  // After the last step of a second pass: whether its counts are worth nothing, because they stand on those
+  // of the first pass and the transactions were others.
+  bool hasMetOthers() const { return countsBeforeTIDs_ && second_ != first_; }
 
   // Gives up what the steps count by, before sets leave the dictionary; steps of a pass that goes on all the
   // same count nothing.
@@ -60,6 +70,10 @@ class CarmaCore {
   void restoreStatistics(double averageExtension, int maxExtension, int longestCandidate, int longAdded);
 
  private:
+  // How the transactions of phase I were counted: each to its end and by itself; so, until the step that is
+  // on; or there is one that was not.
+  enum class Steps { kWhole, kRunning, kBroken };
+
   void fetch(const Transaction& transaction);
   template <typename Step>
   bool runStep(Step& step, SetDictionary& dictionary, const korassoc::detail::StepBounds& bounds);
@@ -69,6 +83,10 @@ class CarmaCore {
   korassoc::detail::PhaseIStep<korassoc::detail::PackedSets> packedStep_;
   korassoc::detail::StepRecords records_;
   korassoc::detail::ExactCounter exact_;
+  Steps steps_ = Steps::kWhole;
+  bool countsBeforeTIDs_ = false;                // in the second pass that is on
+  korassoc::detail::TransactionSequence first_;  // what the passes have met
+  korassoc::detail::TransactionSequence second_;
   int nTrans_ = 0;
   int nTransII_ = 0;
   double sigma_ = 0.0;

@@ -1,25 +1,45 @@
 #include "korassoc/engine/ExactCounter.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "korassoc/dictionary/SetDictionary.h"
 
 namespace korassoc::detail {
 
-void ExactCounter::prepare(const SetDictionary& dictionary, int fromLevel) {
-  std::vector<Set> sets;
+namespace {
+
+constexpr int kEveryTransaction = std::numeric_limits<int>::max();
+
+}  // namespace
+
+void ExactCounter::prepare(const SetDictionary& dictionary, int fromLevel, Counted counted) {
+  sets_.clear();
   for (int level = fromLevel; level <= dictionary.storedLevels(); ++level) {
-    dictionary.levelTable(level).forEach([&sets](const HashTable::Entry& entry) {
-      if (entry.descriptor != nullptr) {
-        sets.push_back({entry.key->getTheArray(), entry.key->length(), entry.descriptor});
-      }
+    dictionary.levelTable(level).forEach([&](const HashTable::Entry& entry) {
+      if (entry.descriptor == nullptr) return;
+      const int last = counted == Counted::kNothing ? kEveryTransaction : entry.descriptor->getTID() - 1;
+      sets_.push_back({entry.key->getTheArray(), entry.key->length(), last, entry.descriptor});
     });
   }
-  std::sort(sets.begin(), sets.end(), [](const Set& a, const Set& b) {
+  std::sort(sets_.begin(), sets_.end(), [](const Set& a, const Set& b) {
     return std::lexicographical_compare(a.items, a.items + a.length, b.items, b.items + b.length);
   });
-  nodes_.assign(1, Node{0, 0, 0, nullptr});
-  build(0, sets, 0);
+  number_ = 0;
+  plant();
+}
+
+// Makes the tree of the sets that are still to be counted.
+void ExactCounter::plant() {
+  std::erase_if(sets_, [this](const Set& set) { return set.last <= number_; });
+  nodes_.assign(1, Node{0, 0, 0, 0, nullptr});
+  build(0, sets_, 0);
+  std::vector<int> last;
+  for (const Set& set : sets_) last.push_back(set.last);
+  std::sort(last.begin(), last.end());
+  lastOfHalf_ = last.empty() ? kEveryTransaction : last[last.size() / 2];
+  lastOfAll_ = last.empty() ? 0 : last.back();
+  if (lastOfHalf_ == kEveryTransaction) sets_ = {};
 }
 
 // Gives the node the children that the sets call for: sorted sets that all have the node's path, of depth
@@ -27,6 +47,7 @@ void ExactCounter::prepare(const SetDictionary& dictionary, int fromLevel) {
 void ExactCounter::build(std::size_t node, std::span<const Set> sets, int depth) {
   const auto position = static_cast<std::size_t>(depth);
   if (!sets.empty() && sets.front().length == depth) {
+    nodes_[node].last = sets.front().last;
     nodes_[node].counter = sets.front().counter;
     sets = sets.subspan(1);
   }
@@ -38,7 +59,7 @@ void ExactCounter::build(std::size_t node, std::span<const Set> sets, int depth)
     while (size < sets.size() && sets[size].items[position] == item) ++size;
     groups.push_back(sets.first(size));
     sets = sets.subspan(size);
-    nodes_.push_back(Node{item, 0, 0, nullptr});
+    nodes_.push_back(Node{item, 0, 0, 0, nullptr});
   }
   nodes_[node].firstChild = static_cast<int>(firstChild);
   nodes_[node].childCount = static_cast<int>(groups.size());
@@ -46,7 +67,10 @@ void ExactCounter::build(std::size_t node, std::span<const Set> sets, int depth)
 }
 
 void ExactCounter::count(std::span<const int> items) {
-  if (!nodes_.empty()) countChildren(nodes_.front(), items);
+  if (isDone()) return;
+  if (number_ >= lastOfHalf_) plant();
+  ++number_;
+  countChildren(nodes_.front(), items);
 }
 
 void ExactCounter::countChildren(const Node& node, std::span<const int> items) {
@@ -68,7 +92,7 @@ void ExactCounter::countChildren(const Node& node, std::span<const int> items) {
 }
 
 void ExactCounter::visit(const Node& child, std::span<const int> rest) {
-  if (child.counter != nullptr) child.counter->increment();
+  if (number_ <= child.last) child.counter->increment();
   if (child.childCount > 0 && !rest.empty()) countChildren(child, rest);
 }
 

@@ -22,6 +22,7 @@ using korassoc::detail::kExceptionCode;
 struct PhaseIIContext::Variant {
   bool needsLongSets;  // nothing is counted when the settings allow sets of one item only
   int firstLevel;      // the shortest sets that are counted anew
+  bool sameOrder;      // the transactions come as in phase I
 };
 
 const PhaseIIContext& PhaseIIContext::instance() {
@@ -39,11 +40,11 @@ KorStatus PhaseIIContext::run(Engine& engine, Work&& work) const {
 }
 
 KorStatus PhaseIIContext::RunPhaseII(Engine& engine) const {
-  return run(engine, [&] { return pass(engine, {true, 2}); });
+  return run(engine, [&] { return pass(engine, {true, 2, true}); });
 }
 
 KorStatus PhaseIIContext::RunPhaseIIrandom(Engine& engine) const {
-  return run(engine, [&] { return pass(engine, {false, 1}); });
+  return run(engine, [&] { return pass(engine, {false, 1, false}); });
 }
 
 // References are taken before the first callback: one that carries a cancel out takes the engine's pointers
@@ -58,7 +59,7 @@ KorStatus PhaseIIContext::pass(Engine& engine, const Variant& variant) const {
       dictionary.getTotalSetCount() > engine.settings_->GetDictionarySettings().GetMaxInStoreSets();
   const bool hasLongSets = dictionary.getHighestLevel() > 1;
   const bool counts = hasLongSets && (!variant.needsLongSets || engine.settings_->GetMaxLengthSet() > 1);
-  if (restarted && !tooMany && counts) return countAgain(engine, dictionary, core, variant.firstLevel);
+  if (restarted && !tooMany && counts) return countAgain(engine, dictionary, core, variant);
   if (tooMany) return KorStatus(3, false);
   if (!engine.cancelRequested_ && !hasLongSets) {
     dictionary.buildLattice();
@@ -68,21 +69,17 @@ KorStatus PhaseIIContext::pass(Engine& engine, const Variant& variant) const {
   return restarted ? KorStatus() : KorStatus(2, false);
 }
 
+// What phase I has counted need not be counted again, as long as the transactions are the same: that shows
+// only when they have been read, and when they are others all is counted.
 KorStatus PhaseIIContext::countAgain(Engine& engine, SetDictionary& dictionary, CarmaCore& core,
-                                     int firstLevel) const {
-  const int frequency = engine.settings_->GetReportFreqPhaseII();
-  core.preparePhaseII(dictionary, firstLevel);
-  for (int count = 0; count < engine.transactionsSeen_;) {
-    if (!engine.iterator_->HasNext()) break;
-    if (engine.cancelRequested_) {
-      engine.doCancel();
-      return engine.currentStatus_;
-    }
-    const Transaction* transaction = engine.iterator_->Next();
-    if (transaction == nullptr) break;
-    ++count;
-    core.stepPhaseII(dictionary, *transaction);
-    if (frequency != 0 && count % frequency == 0) report(engine);
+                                     const Variant& variant) const {
+  if (!variant.sameOrder || !core.preparePhaseIIBeforeTIDs(dictionary, variant.firstLevel))
+    core.preparePhaseII(dictionary, variant.firstLevel);
+  if (!readAgain(engine, dictionary, core)) return engine.currentStatus_;
+  if (!engine.cancelRequested_ && core.hasMetOthers()) {
+    if (engine.iterator_->Restart() != 0) return KorStatus(2, false);
+    core.preparePhaseII(dictionary, variant.firstLevel);
+    if (!readAgain(engine, dictionary, core)) return engine.currentStatus_;
   }
   if (engine.cancelRequested_) return KorStatus();
   core.endPhaseII();  // a callback may have run this pass within another one, which goes on
@@ -90,6 +87,24 @@ KorStatus PhaseIIContext::countAgain(Engine& engine, SetDictionary& dictionary, 
   dictionary.buildLattice();
   report(engine);
   return KorStatus();
+}
+
+// Counts as many transactions as phase I, or those that there are. False when it was cancelled before one.
+bool PhaseIIContext::readAgain(Engine& engine, SetDictionary& dictionary, CarmaCore& core) {
+  const int frequency = engine.settings_->GetReportFreqPhaseII();
+  for (int count = 0; count < engine.transactionsSeen_;) {
+    if (!engine.iterator_->HasNext()) break;
+    if (engine.cancelRequested_) {
+      engine.doCancel();
+      return false;
+    }
+    const Transaction* transaction = engine.iterator_->Next();
+    if (transaction == nullptr) break;
+    ++count;
+    core.stepPhaseII(dictionary, *transaction);
+    if (frequency != 0 && count % frequency == 0) report(engine);
+  }
+  return true;
 }
 
 KorStatus PhaseIIContext::RunPhaseIIcomplete(Engine& engine, double minSupport) const {

@@ -31,7 +31,8 @@ class PhaseIIContext : public CarmaContext {
 
   KorAssoc::KorStatus pass(Engine& engine, const Variant& variant) const;
   KorAssoc::KorStatus countAgain(Engine& engine, SetDictionary& dictionary, CarmaCore& core,
-                                 int firstLevel) const;
+                                 const Variant& variant) const;
+  static bool readAgain(Engine& engine, SetDictionary& dictionary, CarmaCore& core);
   KorAssoc::KorStatus countCompletely(Engine& engine, double minSupport) const;
   static void report(Engine& engine);
 };

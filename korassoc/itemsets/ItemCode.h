@@ -6,12 +6,15 @@
 
 namespace korassoc::detail {
 
-// Every bit of the item reaches every bit of its code.  (Steele, Lea & Flood, OOPSLA 2014: SplitMix)
+// Every bit of the number reaches every bit of the result.  (Steele, Lea & Flood, OOPSLA 2014: SplitMix)
+constexpr std::uint64_t mixedBits(std::uint64_t number) {
+  number = (number ^ (number >> 30U)) * 0xBF58476D1CE4E5B9U;
+  number = (number ^ (number >> 27U)) * 0x94D049BB133111EBU;
+  return number ^ (number >> 31U);
+}
+
 constexpr std::uint64_t itemCode(int item) {
-  std::uint64_t code = static_cast<std::uint32_t>(item) + 0x9E3779B97F4A7C15U;
-  code = (code ^ (code >> 30U)) * 0xBF58476D1CE4E5B9U;
-  code = (code ^ (code >> 27U)) * 0x94D049BB133111EBU;
-  return code ^ (code >> 31U);
+  return mixedBits(static_cast<std::uint32_t>(item) + 0x9E3779B97F4A7C15U);
 }
 
 // An item and its code.
