@@ -1,10 +1,10 @@
-// Phase I alone, by the library or by the plain engine of the tests.
+// Phase I by the library or by the plain engine of the tests.
 //
-//   PhaseIRun FILE SUPPORT PRUNING [plain]     support as a fraction; pruning every so many transactions, 0:
-//   at
-//                                              the end alone
+//   PhaseIRun FILE SUPPORT PRUNING [plain | both]
 //
-// Prints the seconds of processor time of phase I and the itemsets in store after it.
+// SUPPORT is a fraction; pruning every so many transactions, 0: at the end alone. Prints the seconds of
+// processor time of phase I and the itemsets in store after it; with both also the seconds of phase II, by
+// the library.
 
 #include <cstdio>
 #include <cstdlib>
@@ -17,7 +17,7 @@
 
 int main(int argc, char** argv) {
   if (argc < 4) {
-    std::fprintf(stderr, "PhaseIRun FILE SUPPORT PRUNING [plain]\n");
+    std::fprintf(stderr, "PhaseIRun FILE SUPPORT PRUNING [plain | both]\n");
     return 2;
   }
   const bench::Transactions transactions = bench::readBaskets(argv[1]);
@@ -25,6 +25,7 @@ int main(int argc, char** argv) {
   const int pruning = std::atoi(argv[3]);
   const int n = static_cast<int>(transactions.size());
   double seconds = 0;
+  double secondsII = 0;
   int sets = 0;
   if (argc > 4 && std::strcmp(argv[4], "plain") == 0) {
     oracle::PlainSettings settings;
@@ -44,6 +45,11 @@ int main(int argc, char** argv) {
     engine.RunPhaseI(n);
     seconds = bench::processorSeconds() - start;
     sets = engine.NumberOfSets();
+    if (argc > 4 && std::strcmp(argv[4], "both") == 0) {
+      const double startII = bench::processorSeconds();
+      engine.RunPhaseII();
+      secondsII = bench::processorSeconds() - startII;
+    }
   }
-  std::printf("%.4f %d\n", seconds, sets);
+  std::printf("%.4f %d %.4f\n", seconds, sets, secondsII);
 }
