@@ -438,8 +438,7 @@ TEST(SpillStoreFile, GetsAPrivateNameOfItsOwnWhenNoneIsGiven) {
     names[1] = second.fileName();
     EXPECT_NE(names[0], names[1]);
     for (const std::string& name : names) {
-      EXPECT_EQ(std::filesystem::path(name).parent_path(),
-                std::filesystem::temp_directory_path().lexically_normal());
+      EXPECT_EQ(std::filesystem::path(name).parent_path(), temporaryFolder());
       EXPECT_EQ(readSpillFile(name, 1).levelPlusOne, 2);
 #if !defined(_WIN32)
       EXPECT_EQ(std::filesystem::status(name).permissions(),

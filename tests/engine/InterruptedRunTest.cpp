@@ -3,12 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <fstream>
 #include <string>
 
 #include "tests/engine/InterruptedRun.h"
 #include "tests/support/EngineHost.h"
+#include "tests/support/Shell.h"
 #include "tests/support/TemporaryFile.h"
 
 namespace {
@@ -54,7 +54,7 @@ std::string rulesOfARunCutAt(int transaction, Format format, double minSupport) 
                               (format == Format::Binary ? "binary" : "xml") + " \"" + state.name() + "\" " +
                               std::to_string(transaction) + " " + std::to_string(minSupport) + " \"" +
                               rules.name() + "\"";
-  EXPECT_EQ(std::system(command.c_str()), 0) << command;
+  EXPECT_EQ(runInShell(command), 0) << command;
   return rules.contents();
 }
 

@@ -16,6 +16,7 @@
 #include "korassoc/dictionary/HashTable.h"
 #include "korassoc/dictionary/LatticeSetDescriptor.h"
 #include "tests/support/EngineHost.h"
+#include "tests/support/Shell.h"
 #include "tests/support/TemporaryFile.h"
 
 namespace {
@@ -30,7 +31,7 @@ std::string readByScript(const std::string& path) {
   const TemporaryFile output;
   const std::string command = std::string("\"") + KORASSOC_PYTHON + "\" \"" + KORASSOC_SOURCE_DIR +
                               "/examples/read_state.py\" \"" + path + "\" > \"" + output.name() + "\" 2>&1";
-  const int result = std::system(command.c_str());
+  const int result = runInShell(command);
   return (result == 0 ? "" : "failed: ") + output.contents();
 }
 

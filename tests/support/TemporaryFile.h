@@ -9,6 +9,11 @@
 #include <string>
 #include <string_view>
 
+// The folder of temporary files, which some systems name with a separator at its end.
+inline std::filesystem::path temporaryFolder() {
+  return (std::filesystem::temp_directory_path() / "").lexically_normal().parent_path();
+}
+
 class TemporaryFile {
  public:
   TemporaryFile() {

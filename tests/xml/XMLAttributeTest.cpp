@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "korassoc/base/Platform.h"
 #include "korassoc/xml/XMLDocType.h"
 #include "korassoc/xml/XMLString.h"
 
@@ -25,7 +26,7 @@ std::string text(const XMLInterface& node) {
   EXPECT_EQ(stream.str(), out);
   std::ostringstream utf8;
   EXPECT_EQ(node.ToStream(utf8, format, true), 0);
-  EXPECT_EQ(utf8.str(), out);
+  EXPECT_EQ(utf8.str(), korassoc::detail::utf8FromNarrow(out));
   return out;
 }
 

@@ -17,6 +17,7 @@
 
 #include "tests/support/ExportedModel.h"
 #include "tests/support/Hosts.h"
+#include "tests/support/Shell.h"
 #include "tests/support/TemporaryFile.h"
 #include "tests/support/VectorTransactions.h"
 #include "tests/xml/export/DocumentReader.h"
@@ -40,7 +41,7 @@ Verdict lint(const std::string& document, const std::string& options) {
   const TemporaryFile messages;
   const std::string command = std::string("\"") + kXmllint + "\" --noout --nonet " + options + " \"" +
                               file.name() + "\" 2>\"" + messages.name() + "\"";
-  const bool accepted = std::system(command.c_str()) == 0;
+  const bool accepted = runInShell(command) == 0;
   return {accepted, messages.contents().substr(0, 2000)};
 }
 
