@@ -1,14 +1,15 @@
 // How time and memory grow: with the transactions, the support and the number of items.
 //
-//   Scaling [LARGEST [FIRST]]     prints Markdown tables; LARGEST transactions at the most (default
-//   10,000,000),
-//                                 of which phase I reads the FIRST (default all)
+//   Scaling [LARGEST [FIRST]]
+//
+// Prints a Markdown table, medians of three turns; LARGEST transactions at the most (default 10,000,000), of
+// which phase I reads the FIRST (default all).
 //
 // Transactions are made while they are read, in the manner of the Quest generator (Agrawal & Srikant, VLDB
 // 1994): patterns of some four items, popular ones more often, put together to baskets of some ten items.
 // They are made a thousand at a time with the clock stopped: making them takes longer than most of what is
-// measured here. Memory is the largest that the process has taken so far, so each line is a process of its
-// own.
+// measured here. Memory is the largest that a process has taken so far, so each measurement is a process
+// of its own.
 
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -143,49 +144,99 @@ double peakMiB() {
   return static_cast<double>(usage.ru_maxrss) / 1024;
 }
 
-void run(int transactions, int first, double support, int items) {
-  QuestTransactions source(transactions, items);
+struct Line {
+  int transactions;
+  double support;
+  int items;
+};
+
+struct Figures {
+  double phaseI = 0;  // µs a transaction
+  double complete = 0;
+  double phaseIMiB = 0;
+  double peakMiB = 0;
+  int setsAfterPhaseI = 0;
+  int itemsets = 0;
+  int readings = 0;
+};
+
+Figures measure(const Line& line, int first) {
+  Figures figures;
+  QuestTransactions source(line.transactions, line.items);
   CarmaSettings settings;
-  settings.SetSupportSource(new bench::ConstantSupport(support));
+  settings.SetSupportSource(new bench::ConstantSupport(line.support));
   CarmaAssociationAlgorithm engine(&settings, &source);
+  const int inPhaseI = std::min(first, line.transactions);
   double start = secondsOn(source);
-  engine.RunPhaseI(std::min(first, transactions));
-  const double phaseI = secondsOn(source) - start;
-  const double phaseIMiB = peakMiB();
-  const int sets = engine.NumberOfSets() - 1;
+  engine.RunPhaseI(inPhaseI);
+  figures.phaseI = (secondsOn(source) - start) / inPhaseI * 1e6;
+  figures.phaseIMiB = peakMiB();
+  figures.setsAfterPhaseI = engine.NumberOfSets() - 1;
   const int readings = source.readings();
   start = secondsOn(source);
-  engine.RunPhaseIIcomplete(support);
-  const double complete = secondsOn(source) - start;
-  std::printf("| %d | %g%% | %d | %.2f | %d | %.0f | %.2f | %d | %d | %.0f |\n", transactions, support * 100,
-              items, phaseI / std::min(first, transactions) * 1e6, sets, phaseIMiB,
-              complete / transactions * 1e6, source.readings() - readings, engine.NumberOfSets() - 1,
-              peakMiB());
+  engine.RunPhaseIIcomplete(line.support);
+  figures.complete = (secondsOn(source) - start) / line.transactions * 1e6;
+  figures.readings = source.readings() - readings;
+  figures.itemsets = engine.NumberOfSets() - 1;
+  figures.peakMiB = peakMiB();
+  return figures;
 }
 
-void runApart(int transactions, int first, double support, int items) {
-  std::fflush(stdout);
+// In a process of its own.
+Figures measureApart(const Line& line, int first) {
+  Figures figures;
+  int ends[2];
+  if (pipe(ends) != 0) std::abort();
   const pid_t child = fork();
   if (child == 0) {
-    run(transactions, first, support, items);
-    std::fflush(stdout);
-    _exit(0);
+    figures = measure(line, first);
+    _exit(write(ends[1], &figures, sizeof figures) == sizeof figures ? 0 : 1);
   }
+  close(ends[1]);
+  const bool complete = child > 0 && read(ends[0], &figures, sizeof figures) == sizeof figures;
+  close(ends[0]);
   int status = 0;
-  if (child < 0 || waitpid(child, &status, 0) != child || status != 0) std::printf("| failed |\n");
+  if (!complete || waitpid(child, &status, 0) != child || status != 0) {
+    std::fprintf(stderr, "a line of %d transactions failed\n", line.transactions);
+    std::exit(1);
+  }
+  return figures;
+}
+
+double median(const std::vector<Figures>& turns, double Figures::*figure) {
+  std::vector<double> values;
+  values.reserve(turns.size());
+  for (const Figures& figures : turns) values.push_back(figures.*figure);
+  std::sort(values.begin(), values.end());
+  return values[values.size() / 2];
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  constexpr int kTurns = 3;
   const int largest = argc > 1 ? std::atoi(argv[1]) : 10000000;
   const int first = argc > 2 ? std::max(std::atoi(argv[2]), 1) : largest;
+  std::vector<Line> lines;
+  for (int transactions = 10000; transactions <= largest; transactions *= 10)
+    lines.push_back({transactions, 0.005, 1000});
+  const int usual = std::min(largest, 100000);
+  for (const double support : {0.02, 0.01, 0.002, 0.001}) lines.push_back({usual, support, 1000});
+  for (const int items : {100, 10000, 100000}) lines.push_back({usual, 0.005, items});
+
+  std::vector<std::vector<Figures>> measured(lines.size());
+  for (int turn = 0; turn < kTurns; ++turn) {
+    for (std::size_t i = 0; i < lines.size(); ++i) measured[i].push_back(measureApart(lines[i], first));
+  }
   std::printf(
       "| transactions | support | items | phase I, µs each | sets after it | MiB | complete pass, µs each | "
       "times read | itemsets | MiB |\n|---:|---:|---:|---:|---:|---:|---:|---:|---:|---:|\n");
-  for (int transactions = 10000; transactions <= largest; transactions *= 10)
-    runApart(transactions, first, 0.005, 1000);
-  for (const double support : {0.02, 0.01, 0.002, 0.001})
-    runApart(std::min(largest, 100000), first, support, 1000);
-  for (const int items : {100, 10000, 100000}) runApart(std::min(largest, 100000), first, 0.005, items);
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    const Line& line = lines[i];
+    const Figures& any = measured[i].front();
+    std::printf("| %d | %g%% | %d | %.2f | %d | %.0f | %.2f | %d | %d | %.0f |\n", line.transactions,
+                line.support * 100, line.items, median(measured[i], &Figures::phaseI), any.setsAfterPhaseI,
+                median(measured[i], &Figures::phaseIMiB), median(measured[i], &Figures::complete),
+                any.readings, any.itemsets, median(measured[i], &Figures::peakMiB));
+  }
 }
