@@ -190,7 +190,7 @@ int SetDictionary::getEmptySetCount() { return getCount(&emptySet_); }
 
 const korassoc::detail::LatticeGraph& SetDictionary::graph() const {
   if (graph_ == nullptr) {
-    graph_ = std::make_unique<korassoc::detail::LatticeGraph>(*this);
+    graph_ = std::make_shared<korassoc::detail::LatticeGraph>(*this);
   } else if (countsChanged_) {
     graph_->readCounts();
   }

@@ -285,6 +285,13 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   // The stored sets with their links both ways, made at the first call after a change of sets or links; valid
   // until the next one. Holds the counts of this moment.
   const korassoc::detail::LatticeGraph& graph() const;
+  // The same for those who call a listener: it stays while it is held, and is worth nothing once it is not
+  // the current one any more, because the listener has had sets or links changed.
+  std::shared_ptr<const korassoc::detail::LatticeGraph> heldGraph() const {
+    graph();
+    return graph_;
+  }
+  bool isCurrent(const korassoc::detail::LatticeGraph& graph) const { return graph_.get() == &graph; }
   // For those who change counts through descriptors: the next call of graph() reads all counts again.
   void noteCounting() const { countsChanged_ = true; }
 
@@ -397,6 +404,6 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   std::vector<std::unique_ptr<ItemSet>>
       refusedCopies_;  // duplicates that stand in the small queue all the same
   KorAssoc::KorStatus status_;
-  mutable std::unique_ptr<korassoc::detail::LatticeGraph> graph_;  // null: none made since the last change
+  mutable std::shared_ptr<korassoc::detail::LatticeGraph> graph_;  // null: none made since the last change
   mutable bool countsChanged_ = false;                             // since the graph read them
 };

@@ -18,7 +18,8 @@ namespace korassoc::detail {
 FilteredRuleCreation::FilteredRuleCreation(SetDictionary& dictionary, const RuleFilter& filter,
                                            ProgressListener* listener)
     : dictionary_(dictionary),
-      graph_(dictionary.graph()),
+      heldGraph_(dictionary.heldGraph()),
+      graph_(*heldGraph_),
       filter_(filter),
       transactionCount_(dictionary.getEmptySetCount()),
       listener_(listener),
@@ -76,10 +77,11 @@ bool FilteredRuleCreation::findAntecedents(const std::vector<int>& candidates, A
     const int whole = candidates[static_cast<std::size_t>(i)];
     goesOn = findAntecedentsOf(whole, tables.antecedents);
     if (interval != 0 && i % interval == 0) report(i + 1, total);
+    goesOn = goesOn && dictionary_.isCurrent(graph_);
     if (goesOn) tables.close(whole);
   }
   report(total, total);
-  return goesOn;
+  return goesOn && dictionary_.isCurrent(graph_);
 }
 
 bool FilteredRuleCreation::findAntecedentsOf(int whole, std::vector<int>& antecedents) {

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include "korassoc/dictionary/SetDictionary.h"
@@ -44,9 +45,9 @@ class FilteredRuleCreation {
   // The sets of the filter are lent. listener may be null.
   FilteredRuleCreation(SetDictionary& dictionary, const RuleFilter& filter, ProgressListener* listener);
 
-  // Answers 40002/warning when the lattice is empty, out then untouched; 1/error when it was told to stop,
-  // out then getting no rules. Otherwise sorts and cuts all of out. Exceptions of the listener are let
-  // through.
+  // Answers 40002/warning when the lattice is empty, out then untouched; 1/error when it was told to stop or
+  // the listener has had the lattice changed, out then getting no rules. Otherwise sorts and cuts all of out.
+  // Exceptions of the listener are let through.
   KorAssoc::KorStatus run(std::vector<AssociationRule>& out);
 
  private:
@@ -62,6 +63,7 @@ class FilteredRuleCreation {
   void report(int bounds, int setTotal) const;
 
   SetDictionary& dictionary_;
+  std::shared_ptr<const LatticeGraph> heldGraph_;
   const LatticeGraph& graph_;
   RuleFilter filter_;
   ItemSet noItems_;

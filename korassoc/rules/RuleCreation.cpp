@@ -24,7 +24,8 @@ constexpr double kAnyCount = -std::numeric_limits<double>::infinity();
 RuleCreation::RuleCreation(SetDictionary& dictionary, double minSupport, double minConfidence,
                            ProgressListener* listener, bool pruneRedundant)
     : dictionary_(dictionary),
-      graph_(dictionary.graph()),
+      heldGraph_(dictionary.heldGraph()),
+      graph_(*heldGraph_),
       transactionCount_(dictionary.getEmptySetCount()),
       minCount_(countBoundFromFraction(transactionCount_, minSupport)),
       minConfidence_(minConfidence),
@@ -91,12 +92,13 @@ bool RuleCreation::findAntecedents(const std::vector<int>& frequent, AntecedentT
     // A set without descriptor ends the work as a stop does, but without the flag.
     goesOn = graph_.descriptor(whole) != nullptr && findAntecedentsOf(whole, filter, tables.antecedents);
     if (interval != 0 && searched % interval == 0) report(searched + 1, total);
+    goesOn = goesOn && dictionary_.isCurrent(graph_);
     if (!goesOn) break;
     tables.close(whole);
     ++searched;
   }
   if (interval == 0 || searched % interval != 1) report(searched, total);
-  return goesOn;
+  return goesOn && dictionary_.isCurrent(graph_);
 }
 
 // Where counts fall, an antecedent X of Z also serves a frequent W, one item larger, exactly when count(X) is

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -25,9 +26,10 @@ class RuleCreation {
   RuleCreation(SetDictionary& dictionary, double minSupport, double minConfidence, ProgressListener* listener,
                bool pruneRedundant);
 
-  // Answers 40002/warning when the lattice is empty, out then untouched; 1/error when it was told to stop or
-  // a frequent set has no descriptor, out then getting no rules. Otherwise, and after a stop too, brings all
-  // of out into the order of confidence. Exceptions of the listener are let through.
+  // Answers 40002/warning when the lattice is empty, out then untouched; 1/error when it was told to stop,
+  // the listener has had the lattice changed or a frequent set has no descriptor, out then getting no rules.
+  // Otherwise, and after a stop too, brings all of out into the order of confidence. Exceptions of the
+  // listener are let through.
   KorAssoc::KorStatus run(std::vector<AssociationRule>& out);
 
  private:
@@ -40,6 +42,7 @@ class RuleCreation {
   void report(int bounds, int setTotal) const;
 
   SetDictionary& dictionary_;
+  std::shared_ptr<const LatticeGraph> heldGraph_;
   const LatticeGraph& graph_;
   int transactionCount_;
   int minCount_;
