@@ -21,7 +21,8 @@ class KORASSOC_EXPORT SemiLattice {
   // Appends to out the rules X -> Z \ X of every stored set Z of at least minSupport (a fraction, rounded
   // leniently to a count) whose confidence is at least minConfidence; pruneRedundant leaves out rules with
   // more in the antecedent or less in the consequent than need be. Sorts out by confidence. listener may be
-  // null. 40002, warning: the lattice is empty. 1, error: stopped by setRestartFailed().
+  // null. 40002, warning: the lattice is empty. 1, error: stopped by setRestartFailed(), or
+  // the listener has had the lattice changed.
   virtual KorAssoc::KorStatus createRules(double minSupport, double minConfidence,
                                           std::vector<AssociationRule>& out, ProgressListener* listener,
                                           bool pruneRedundant) = 0;

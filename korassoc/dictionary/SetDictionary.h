@@ -218,7 +218,7 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   // --- Phase II ---
   // Makes ready for an exact count of all sets of at least fromLevel items: their max missed and, unless they
   // are kept, their counts become 0, and exactly the items that occur in them are marked.
-  void prepareExactCounting(int fromLevel, bool keepCounts = false);
+  void prepareExactCounting(int fromLevel, bool keepCounts);
   // The number of transactions becomes n without a second pass.
   KorAssoc::KorStatus takeTransactionCount(int n);
 

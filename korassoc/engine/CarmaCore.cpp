@@ -72,10 +72,7 @@ bool CarmaCore::runStep(Step& step, SetDictionary& dictionary, const korassoc::d
 }
 
 void CarmaCore::preparePhaseII(SetDictionary& dictionary, int fromLevel) {
-  nTransII_ = 0;
-  countsBeforeTIDs_ = false;
-  dictionary.prepareExactCounting(fromLevel);
-  exact_.prepare(dictionary, fromLevel, ExactCounter::Counted::kNothing);
+  beginPhaseII(dictionary, fromLevel, ExactCounter::Counted::kNothing);
 }
 
 // As long as the sets are packed nobody else has had a hand in their counts and TIDs. In a closed dictionary
@@ -83,12 +80,16 @@ void CarmaCore::preparePhaseII(SetDictionary& dictionary, int fromLevel) {
 // the set, and the pruning leaves no one-item set below the count from which the step extends it.
 bool CarmaCore::preparePhaseIIBeforeTIDs(SetDictionary& dictionary, int fromLevel) {
   if (steps_ != Steps::kWhole || !dictionary.isPacked() || !dictionary.isClosed()) return false;
-  nTransII_ = 0;
-  countsBeforeTIDs_ = true;
-  second_ = {};
-  dictionary.prepareExactCounting(fromLevel, true);
-  exact_.prepare(dictionary, fromLevel, ExactCounter::Counted::kSinceStored);
+  beginPhaseII(dictionary, fromLevel, ExactCounter::Counted::kSinceStored);
   return true;
+}
+
+void CarmaCore::beginPhaseII(SetDictionary& dictionary, int fromLevel, ExactCounter::Counted counted) {
+  nTransII_ = 0;
+  countsBeforeTIDs_ = counted == ExactCounter::Counted::kSinceStored;
+  second_ = {};
+  dictionary.prepareExactCounting(fromLevel, countsBeforeTIDs_);
+  exact_.prepare(dictionary, fromLevel, counted);
 }
 
 void CarmaCore::stepPhaseII(const SetDictionary& dictionary, const Transaction& transaction) {

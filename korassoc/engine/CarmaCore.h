@@ -75,6 +75,8 @@ class CarmaCore {
   enum class Steps { kWhole, kRunning, kBroken };
 
   void fetch(const Transaction& transaction);
+  void beginPhaseII(SetDictionary& dictionary, int fromLevel,
+                    korassoc::detail::ExactCounter::Counted counted);
   template <typename Step>
   bool runStep(Step& step, SetDictionary& dictionary, const korassoc::detail::StepBounds& bounds);
 

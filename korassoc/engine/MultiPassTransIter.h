@@ -7,7 +7,7 @@
 
 class KORASSOC_EXPORT MultiPassTransIter : public TransactionIterator {
  public:
-  // Goes back to the first transaction. Returns 0 when HasNext() and Next() start over from there; any other
-  // value says that they cannot.
+  // Goes back to the first transaction, as often as it is called for. Returns 0 when HasNext() and Next()
+  // start over from there; any other value says that they cannot.
   virtual int Restart() = 0;
 };

@@ -40,11 +40,13 @@ KorStatus PhaseIIContext::run(Engine& engine, Work&& work) const {
 }
 
 KorStatus PhaseIIContext::RunPhaseII(Engine& engine) const {
-  return run(engine, [&] { return pass(engine, {true, 2, true}); });
+  return run(engine,
+             [&] { return pass(engine, {.needsLongSets = true, .firstLevel = 2, .sameOrder = true}); });
 }
 
 KorStatus PhaseIIContext::RunPhaseIIrandom(Engine& engine) const {
-  return run(engine, [&] { return pass(engine, {false, 1, false}); });
+  return run(engine,
+             [&] { return pass(engine, {.needsLongSets = false, .firstLevel = 1, .sameOrder = false}); });
 }
 
 // References are taken before the first callback: one that carries a cancel out takes the engine's pointers

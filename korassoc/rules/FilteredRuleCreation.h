@@ -63,7 +63,7 @@ class FilteredRuleCreation {
   void report(int bounds, int setTotal) const;
 
   SetDictionary& dictionary_;
-  std::shared_ptr<const LatticeGraph> heldGraph_;
+  std::shared_ptr<const LatticeGraph> heldGraph_;  // keeps graph_, whatever the listener does
   const LatticeGraph& graph_;
   RuleFilter filter_;
   ItemSet noItems_;

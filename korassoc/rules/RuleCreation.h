@@ -42,7 +42,7 @@ class RuleCreation {
   void report(int bounds, int setTotal) const;
 
   SetDictionary& dictionary_;
-  std::shared_ptr<const LatticeGraph> heldGraph_;
+  std::shared_ptr<const LatticeGraph> heldGraph_;  // keeps graph_, whatever the listener does
   const LatticeGraph& graph_;
   int transactionCount_;
   int minCount_;

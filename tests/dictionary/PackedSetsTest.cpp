@@ -112,7 +112,7 @@ TEST(PackedSets, AreUnpackedByWhoeverAsksForASetOrBringsOne) {
       [](SetDictionary& sets) { EXPECT_EQ(sets.getCount(77), 0); },
       [&](SetDictionary& sets) { EXPECT_TRUE(sets.containsSet(&single)); },
       [](SetDictionary& sets) { sets.levelTable(3); },
-      [](SetDictionary& sets) { sets.prepareExactCounting(1); },
+      [](SetDictionary& sets) { sets.prepareExactCounting(1, false); },
       [](SetDictionary& sets) { sets.resetAllCounts(); },
       [](SetDictionary& sets) { sets.markLevelBits(2); },
       [](SetDictionary& sets) { sets.graph(); },

@@ -58,9 +58,7 @@ TEST(CarmaCore, KnowsTheCandidateForWhichThereWasNoMemory) {
   for (int allocations = 0; !done; ++allocations) {
     ASSERT_LT(allocations, kNeverSoMany);
     SetDictionary dictionary(4, &settings, true);
-    auto emptySet = std::make_unique<CarmaSetDescriptor>(0, 0, 0);
-    ASSERT_TRUE(dictionary.addEmptySet(emptySet.get()));
-    static_cast<void>(emptySet.release());
+    dictionary.addEmptySet(new CarmaSetDescriptor(0, 0, 0));
     CarmaCore core(4, 3);
     ASSERT_TRUE(core.step(dictionary, VectorTransaction({1, 2}), 0.1, 0.1, 1.0).IsOK());
     ASSERT_EQ(core.longestCandidate(), 0);
@@ -72,6 +70,22 @@ TEST(CarmaCore, KnowsTheCandidateForWhichThereWasNoMemory) {
     if (!done) longest = core.longestCandidate();
   }
   EXPECT_EQ(longest, 2);  // the last failure was that of storing {1, 2}
+}
+
+// Of packed sets, and of sets that somebody has looked at.
+TEST(CarmaCore, TakesNoMemoryForATransactionThatBringsNothingNew) {
+  for (const bool looked : {false, true}) {
+    DictionarySettings settings;
+    SetDictionary dictionary(4, &settings, true);
+    dictionary.addEmptySet(new CarmaSetDescriptor(0, 0, 0));
+    if (looked) dictionary.levelTable(1);
+    CarmaCore core(4, 3);
+    const VectorTransaction transaction({5, 1, 4, 2, 3});
+    for (int t = 0; t < 8; ++t) ASSERT_TRUE(core.step(dictionary, transaction, 0.1, 0.1, 1.0).IsOK());
+    ASSERT_EQ(dictionary.getTotalSetCount(), 31);  // all but the five items together
+    const FailingAllocator failing(0);
+    for (int t = 0; t < 8; ++t) EXPECT_TRUE(core.step(dictionary, transaction, 0.1, 0.1, 1.0).IsOK());
+  }
 }
 
 TEST(CarmaCore, LeavesAWholeDictionaryWhenMemoryRunsOutInAStep) {

@@ -12,8 +12,8 @@
 
 namespace {
 
-// After phase II, with all subsets of five items stored; the listener runs the pass at its so-and-so-manieth
-// report. Another support leaves other sets.
+// After phase II, with all subsets of five items stored; at the report of this number the listener runs
+// another pass.
 struct ChangingHost : EngineHost {
   ChangingHost(int atReport, bool complete) : EngineHost(repeated({1, 2, 3, 4, 5}, 20), 0.1) {
     settings->GetDictionarySettings().SetReportFrequency(1);
