@@ -143,7 +143,7 @@ bool BinaryReader::int32s(std::span<std::int32_t> values) {
 
 bool BinaryReader::int32s(std::vector<std::int32_t>& values, std::int32_t count) {
   values.clear();
-  if (count < 0 || !holds(static_cast<std::uint64_t>(count) * kInt32Bytes)) {
+  if (count < 0 || !mayHold(static_cast<std::uint64_t>(count) * kInt32Bytes)) {
     in_.setstate(std::ios_base::failbit);
     return false;
   }
@@ -168,7 +168,7 @@ bool BinaryReader::character(char& value) { return raw(&value, 1); }
 bool BinaryReader::text(std::string& value) {
   std::int32_t length = 0;
   if (!int32(length)) return false;
-  if (length < 1 || !holds(static_cast<std::uint64_t>(length))) {
+  if (length < 1 || !mayHold(static_cast<std::uint64_t>(length))) {
     in_.setstate(std::ios_base::failbit);
     return false;
   }
@@ -189,12 +189,16 @@ bool BinaryReader::text(std::string& value) {
   return true;
 }
 
+// holds() for what is going to be read as a whole: few bytes are believed, since reading them will tell.
+bool BinaryReader::mayHold(std::uint64_t bytes) {
+  return bytes <= kTrustedBytes ? in_.good() || bytes <= end_ - next_ : holds(bytes);
+}
+
 bool BinaryReader::holds(std::uint64_t bytes) {
   const std::size_t waiting = end_ - next_;
   if (bytes <= waiting) return true;
   bytes -= waiting;
   if (!in_.good()) return false;
-  if (bytes <= kTrustedBytes) return true;
   std::streambuf& buffer = *in_.rdbuf();
   const std::streamsize available = buffer.in_avail();
   if (available > 0 && static_cast<std::uint64_t>(available) >= bytes) return true;

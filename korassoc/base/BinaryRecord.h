@@ -121,9 +121,8 @@ class BinaryReader {
   // a length below 1 or beyond the end of the stream, and a text without its zero; memory grows as above.
   bool text(std::string& value);
 
-  // Whether the stream still holds that many bytes. Few bytes are believed at once, since reading them will
-  // tell; for more the end of the stream is looked up, so ask once before a large read. A stream that cannot
-  // tell where it ends answers true.
+  // Whether the stream still holds that many bytes: looks up where the stream ends, so ask once for a record.
+  // A stream that cannot tell where it ends answers true.
   bool holds(std::uint64_t bytes);
 
   // Allows to fetch up to so many bytes from here on before they are asked for. To be said only of bytes that
@@ -155,6 +154,7 @@ class BinaryReader {
     return true;
   }
   bool fetch(char* to, std::size_t size);
+  bool mayHold(std::uint64_t bytes);
 
   std::istream& in_;
   std::uint64_t count_ = 0;

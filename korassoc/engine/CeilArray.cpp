@@ -16,6 +16,8 @@ using KorAssocXML::ParseValue;
 
 namespace {
 
+constexpr std::uint64_t kChunkBytes = 16;  // of the binary record: index, count, ceiling
+
 // The capacity comes from settings that may have been read from a file; no more memory than this is taken for
 // it.
 constexpr int kPreparedChunks = 1024;
@@ -105,6 +107,8 @@ std::uint64_t CeilArray::readObject(std::fstream& stream) {
   }
   int chunks = 0;
   if (!record.float64(average_) || !record.int32s({&total_, &chunks}) || total_ < 0) refuseRecord();
+  // Else what follows the record would be taken for a chunk out of order, which is refused without a word.
+  if (chunks > 0 && !record.holds(static_cast<std::uint64_t>(chunks) * kChunkBytes)) refuseRecord();
   for (int chunk = 0; chunk < chunks; ++chunk) {
     int index = 0;
     if (!record.int32(index)) refuseRecord();

@@ -311,6 +311,17 @@ TEST(BinaryReader, CountsWhatItFetchedAheadAmongWhatIsLeft) {
   EXPECT_FALSE(record.character(c));
 }
 
+TEST(BinaryReader, KnowsOfFewBytesToo) {
+  std::istringstream stream("abcdefg");
+  BinaryReader record(stream);
+  EXPECT_TRUE(record.holds(7));
+  EXPECT_FALSE(record.holds(8));
+  EXPECT_TRUE(record.tag("ab"));
+  EXPECT_TRUE(record.holds(5));
+  EXPECT_FALSE(record.holds(6));
+  EXPECT_EQ(stream.get(), 'c');
+}
+
 TEST(BinaryReader, KnowsWhatAFileStillHolds) {
   const TemporaryFile file(std::string(200000, 'x'));
   std::fstream stream = file.reader();

@@ -249,6 +249,27 @@ TEST(CeilArray, RefusesImpossibleCounts) {
   EXPECT_TRUE(Reading("CA" + float64Bytes(0.5) + int32Bytes(1) + int32Bytes(2147483647)).refused);
 }
 
+// What stands behind the record must not be taken for more of its chunks.
+TEST(CeilArray, RefusesMoreChunksThanTheBytesLeftCanHold) {
+  const std::string behind = float64Bytes(1.5) + int32Bytes({4, 2, 2});
+  for (const int chunks : {1, 10}) {
+    const std::string head = "CA" + float64Bytes(0.25) + int32Bytes(chunks);
+    std::string body;
+    for (int chunk = 0; chunk < chunks; ++chunk) body += int32Bytes({chunk, 1}) + float64Bytes(0.25);
+    EXPECT_FALSE(Reading(head + int32Bytes(chunks) + body + behind).refused);
+    // One chunk more would find bytes enough; it is one out of order.
+    const Reading oneMore(head + int32Bytes(chunks + 1) + body + behind);
+    EXPECT_TRUE(oneMore.refused);
+    EXPECT_EQ(oneMore.message, "");
+    for (const int claimed : {chunks + 2, 1000, 5000, 2147483647}) {
+      const Reading reading(head + int32Bytes(claimed) + body + behind);
+      EXPECT_TRUE(reading.refused) << claimed;
+      EXPECT_EQ(reading.message, kFailure) << claimed;
+      EXPECT_EQ(reading.array.used(), 0) << claimed;
+    }
+  }
+}
+
 TEST(CeilArray, TakesANegativeNumberOfChunksAsNone) {
   Reading reading("CA" + float64Bytes(0.5) + int32Bytes(7) + int32Bytes(-1));
   EXPECT_FALSE(reading.refused);
