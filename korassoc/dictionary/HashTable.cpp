@@ -87,11 +87,11 @@ void HashTable::putReplace(ItemSet* set, SetCounter* descriptor) {
 }
 
 void HashTable::putNew(ItemSet* set, SetCounter* descriptor) {
-  Entry*& head = makeRoom(set->hashcode(), count_);
+  reserve(set->hashcode(), count_);
   others_.makeRoom();
   Entry* node = newNode();
   *node = Entry{set, descriptor, nullptr};
-  hang(node, head, codeOf(*set));
+  hang(node, codeOf(*set));
 }
 
 HashTable::Entry* HashTable::emplace(const ItemSetView& set, const CarmaSetDescriptor& descriptor) {
@@ -100,18 +100,18 @@ HashTable::Entry* HashTable::emplace(const ItemSetView& set, const CarmaSetDescr
 
 HashTable::Entry* HashTable::emplace(ItemSet&& set, std::uint64_t code,
                                      const CarmaSetDescriptor& descriptor) {
-  Entry*& head = makeRoom(set.hashcode(), count_);
+  reserve(set.hashcode(), count_);
   Entry* entry = pool_->take(std::move(set), descriptor);
-  hang(entry, head, code);
+  hang(entry, code);
   return entry;
 }
 
 HashTable::Entry* HashTable::emplace(const ItemSetView& set, std::unique_ptr<SetCounter> descriptor) {
   ItemSet key(set.items, set.length);
-  Entry*& head = makeRoom(key.hashcode(), count_);
+  reserve(key.hashcode(), count_);
   Entry* entry = pool_->take(std::move(key), descriptor.get());
   static_cast<void>(descriptor.release());
-  hang(entry, head, set.code);
+  hang(entry, set.code);
   return entry;
 }
 
@@ -120,22 +120,28 @@ HashTable::Entry* HashTable::makeEntry(ItemSet&& set, const CarmaSetDescriptor& 
 }
 
 void HashTable::makeRoomFor(const ItemSet& set, int leaving) {
-  if (count_ - leaving >= threshold() && find(&set) != nullptr) return;  // it will be refused: nothing grows
-  makeRoom(set.hashcode(), count_ - leaving);
-  buckets_.prepareFor(static_cast<std::size_t>(count_ - leaving) + 1);  // the new head may tip the scales
+  const int others = count_ - leaving;
+  if (others >= threshold() && find(&set) != nullptr) return;  // it will be refused
+  reserve(set.hashcode(), others);
+  buckets_.prepareFor(static_cast<std::size_t>(others) + 1);  // the new head may tip the scales
   others_.makeRoom();
   pool_->makeRoom();
   if (freeNodes_ == nullptr) recycle(new Entry{nullptr, nullptr, nullptr});
 }
 
-// Makes the table large enough for one entry beside so many others, so that nothing can fail when it is hung
-// into its chain, whose head is returned.
-HashTable::Entry*& HashTable::makeRoom(int hash, int others) {
+// Takes the memory that one entry beside so many others needs in its chain, so that hang() cannot fail. The
+// table grows there: whoever comes to nothing after this must not have changed the order of the sets.
+void HashTable::reserve(int hash, int others) {
   if (buckets_.empty()) buckets_ = Buckets(static_cast<std::size_t>(bucketCount()));
-  if (growth_.isDue(others)) rehash();
-  buckets_.prepareFor(static_cast<std::size_t>(others) + 1);
+  if (growth_.isDue(others)) {
+    const auto grown = static_cast<std::size_t>(growth_.grown().bucketCount());
+    if (grown_.size() != grown) grown_ = Buckets(grown);
+    grown_.prepareFor(static_cast<std::size_t>(std::max(count_, others + 1)));
+  } else {
+    buckets_.prepareFor(static_cast<std::size_t>(others) + 1);
+    buckets_.link(growth_.bucketOf(hash));
+  }
   index_.makeRoom();
-  return buckets_.link(growth_.bucketOf(hash));
 }
 
 HashTable::Entry* HashTable::entryAt(std::uint32_t number) const {
@@ -160,8 +166,10 @@ void HashTable::forgetAll() {
   others_.clear();
 }
 
-// Puts an entry at the head of its chain.
-void HashTable::hang(Entry* entry, Entry*& head, std::uint64_t code) {
+// Puts an entry at the head of its chain, for which there is room.
+void HashTable::hang(Entry* entry, std::uint64_t code) {
+  if (growth_.isDue(count_)) rehash();
+  Entry*& head = buckets_.link(growth_.bucketOf(entry->key->hashcode()));
   entry->next = head;
   head = entry;
   enroll(entry, code);
@@ -169,11 +177,8 @@ void HashTable::hang(Entry* entry, Entry*& head, std::uint64_t code) {
 }
 
 void HashTable::rehash() {
-  const korassoc::detail::BucketGrowth grown = growth_.grown();
-  Buckets former(static_cast<std::size_t>(grown.bucketCount()));
-  former.prepareFor(static_cast<std::size_t>(count_));
-  std::swap(former, buckets_);
-  growth_ = grown;
+  growth_ = growth_.grown();
+  Buckets former = std::exchange(buckets_, std::exchange(grown_, Buckets()));
   former.forEachHead([this](Entry* head) {
     while (head != nullptr) {
       Entry* entry = std::exchange(head, head->next);
@@ -270,5 +275,6 @@ void HashTable::clear() {
 void HashTable::resetBuckets(int bucketCount, int modCount) {
   clear();
   buckets_ = Buckets();
+  grown_ = Buckets();
   growth_ = korassoc::detail::BucketGrowth(bucketCount, modCount);
 }

@@ -83,7 +83,8 @@ class KORASSOC_EXPORT HashTable {
   // with release() if it does not come to that.
   Entry* makeEntry(ItemSet&& set, const CarmaSetDescriptor& descriptor);
   // Makes room for this set, so that a put(), putNew() or emplace() of it that comes next does not fail.
-  // leaving: how many entries the caller removes in between.
+  // leaving: how many entries the caller removes in between. The table grows with that call, not with this
+  // one: nothing that can be seen changes when the set does not come.
   void makeRoomFor(const ItemSet& set, int leaving);
   // As put(), but replaces key and descriptor of an equal stored set, deleting the former ones.
   void putReplace(ItemSet* set, SetCounter* descriptor);
@@ -198,15 +199,16 @@ class KORASSOC_EXPORT HashTable {
   Entry* newNode();
   void deleteContents();
   void takeOver(Entry* first, int entries);
-  Entry*& makeRoom(int hash, int others);
+  void reserve(int hash, int others);
   Entry* entryAt(std::uint32_t number) const;
   void enroll(Entry* entry);
   void enroll(Entry* entry, std::uint64_t code);
   void strike(const Entry& entry);
   void forgetAll();
-  void hang(Entry* entry, Entry*& head, std::uint64_t code);
+  void hang(Entry* entry, std::uint64_t code);
 
   korassoc::detail::BucketArray<Entry> buckets_;  // chain heads; empty until the first insertion
+  korassoc::detail::BucketArray<Entry> grown_;    // those of the next growth, once there is room for it
   korassoc::detail::BucketGrowth growth_;
   int count_ = 0;
   bool lastSweepTookMost_ = false;

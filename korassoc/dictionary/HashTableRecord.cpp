@@ -294,9 +294,9 @@ void HashTable::takeOver(Entry* first, int entries) {
     }
     if (find(entry->key) == nullptr) {
       const std::uint64_t code = korassoc::detail::setCode(entry->key->getTheArray(), entry->key->length());
-      Entry*& head = makeRoom(entry->key->hashcode(), count_);
+      reserve(entry->key->hashcode(), count_);
       others_.makeRoom();
-      hang(list.popFront(), head, code);
+      hang(list.popFront(), code);
     } else {
       list.deleteFront();
     }

@@ -165,6 +165,29 @@ TEST_F(Eviction, ASetThatTheDiskRefusesStaysAndLeavesTheQueue) {
   EXPECT_EQ(dictionary_->setsSpilled(), 3);
 }
 
+// A table that grew for a set which the disk then refuses would show its sets in another order from then on.
+TEST_F(Eviction, ASetThatTheDiskRefusesLeavesItsTableAsItWas) {
+  settings_.SetInitialHashtableSet23Size(3);  // grows at the third set
+  make(5, 1, true);
+  for (const Items& items : {Items{1, 2, 3}, Items{7}, Items{1, 2}, Items{1, 3}}) EXPECT_EQ(add(items), 0);
+  const HashTable& pairs = dictionary_->levelTable(2);
+  ASSERT_EQ(pairs.bucketCount(), 3);
+  EXPECT_EQ(add({2, 3}), 2);  // {1, 2, 3} has to go for it, and the disk takes one-item sets only
+  EXPECT_EQ(pairs.bucketCount(), 3);
+  EXPECT_EQ(pairs.modCount(), 0);
+  EXPECT_EQ(pairs.count(), 2);
+  // The hash codes of {1, 2} and {1, 3} are 17 and 38: one bucket of three, the later arrival in front.
+  const HashTable::Entry* chain = pairs.bucket(2);
+  ASSERT_NE(chain, nullptr);
+  EXPECT_EQ(chain->key->getItemAt(1), 3);
+  ASSERT_NE(chain->next, nullptr);
+  EXPECT_EQ(chain->next->key->getItemAt(1), 2);
+
+  EXPECT_EQ(add({2, 3}), 0);  // now {7} is at the head of the queue, and goes
+  EXPECT_EQ(pairs.bucketCount(), 7);
+  EXPECT_EQ(pairs.count(), 3);
+}
+
 TEST_F(Eviction, AfterAPairWasRefusedItIsFoundAndAnEvictedOneItemSetToo) {
   // A pair that was evicted to the disk would not be found. The store takes no pairs, so they never are.
   make(3, 1, true);

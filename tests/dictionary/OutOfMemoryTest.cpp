@@ -19,9 +19,10 @@
 
 namespace {
 
-// What can be seen of a dictionary. The bucket counts are left out: a table may have grown in vain.
+// What can be seen of a dictionary.
 struct Seen {
   std::map<Items, int> memory;
+  std::vector<int> buckets;  // of the levels that hold sets
   std::map<Items, int> disk;
   std::vector<Items> queue;
   int pushedLessUnlinked;
@@ -34,7 +35,13 @@ struct Seen {
 class OutOfMemory : public Eviction {
  protected:
   Seen seen(bool withDisk) const {
+    std::vector<int> buckets;
+    for (int level = 0; level <= 4; ++level) {
+      const HashTable& table = dictionary_->levelTable(level);
+      buckets.push_back(table.count() > 0 ? table.bucketCount() : 0);
+    }
     return {memory(),
+            buckets,
             withDisk ? disk() : std::map<Items, int>(),
             queue(),
             pushedLessUnlinked(),
@@ -150,6 +157,30 @@ TEST_F(OutOfMemory, MayComeWhereTheTableGrows) {
   };
   addWithEveryFailure(prepare, {4}, false);
   addWithEveryFailure(prepare, {1, 3}, false);
+  for (const bool queued : {false, true}) {  // with room in memory, nothing has to leave
+    addWithEveryFailure(
+        [this, queued] {
+          make(100, queued ? 3 : 0, false);
+          for (int item = 1; item <= 3; ++item) add({item});
+        },
+        {4}, false);
+  }
+}
+
+TEST_F(OutOfMemory, DoesNotTouchATableThatHasMadeRoom) {
+  for (const int buckets : {2, 1000000000}) {  // an array of chains, and a map of them
+    HashTable table(buckets);
+    for (int item = 1; item <= 300; ++item) {
+      auto set = std::make_unique<ItemSet>(item);
+      auto counter = std::make_unique<SetCounter>(1, 0);
+      table.makeRoomFor(*set, 0);
+      const FailingAllocator none(0);
+      ASSERT_TRUE(table.put(set.get(), counter.get())) << item;
+      static_cast<void>(set.release());
+      static_cast<void>(counter.release());
+    }
+    EXPECT_EQ(table.count(), 300);
+  }
 }
 
 }  // namespace
