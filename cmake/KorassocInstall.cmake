@@ -1,4 +1,5 @@
-# What `cmake --install` lays down: the library, its headers, the tool, and what find_package(korassoc) reads.
+# What `cmake --install` lays down: the library, its headers, the tool, and what find_package(korassoc) and pkg-config
+# read.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
@@ -19,3 +20,14 @@ configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/korassocConfig.cmake.in
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/korassocConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/korassocConfig.cmake ${PROJECT_BINARY_DIR}/korassocConfigVersion.cmake
         DESTINATION ${packageFolder})
+
+# pkg-config's file finds the prefix from its own place, so that an installed tree can be moved.
+set(pkgConfigFolder ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH toPrefix ${CMAKE_INSTALL_PREFIX}/${pkgConfigFolder} ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" toPrefix ${toPrefix})
+set(pkgConfigFlags "")
+if(NOT KORASSOC_SHARED)
+  set(pkgConfigFlags " -DKORASSOC_STATIC")
+endif()
+configure_file(${CMAKE_CURRENT_LIST_DIR}/korassoc.pc.in ${PROJECT_BINARY_DIR}/korassoc.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/korassoc.pc DESTINATION ${pkgConfigFolder})
