@@ -133,6 +133,18 @@ TEST(XMLString, EscapesOnlyAmpersandsAndOpeningBrackets) {
   EXPECT_EQ(text(*std::unique_ptr<XMLString>(XMLString::Create(""))), "");
 }
 
+TEST(XMLString, LeavesWhatXmlForbidsInATextAsItStands) {
+  for (const std::string& given :
+       {std::string("]]>"), std::string("a]]>b ]] > ]>"), std::string("\x01\x1F")}) {
+    const std::unique_ptr<XMLString> node(XMLString::Create(given));
+    EXPECT_EQ(text(*node), given);
+    ExportFormat format;
+    std::ostringstream stream;
+    node->ToStream(stream, format, false);
+    EXPECT_EQ(stream.str(), given);
+  }
+}
+
 TEST(XMLString, SwitchesParagraphAndIndentationOff) {
   const std::unique_ptr<XMLString> node(XMLString::Create("x"));
   for (const bool toStream : {false, true}) {
