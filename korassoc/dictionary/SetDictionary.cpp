@@ -12,7 +12,7 @@
 
 SetDictionary::SetDictionary(int maxLevel, DictionarySettings* settings, bool)
     : itemBits_(std::make_unique<std::bitset<kItemBits>>()),
-      maxLevel_(std::max(maxLevel, 0)),
+      maxLevel_(std::clamp(maxLevel, 0, kLongestSet)),
       maxInStoreSets_(settings->GetMaxInStoreSets()),
       diskSpill_(settings->GetDiskSpill()),
       settings_(settings),
@@ -29,14 +29,14 @@ SetDictionary::SetDictionary(std::vector<std::unique_ptr<HashTable>> levelTables
                              int maxLevel, bool bitsetOff)
     : levels_(std::move(levelTables)),
       itemBits_(std::make_unique<std::bitset<kItemBits>>()),
-      maxLevel_(maxLevel),
+      maxLevel_(std::clamp(maxLevel, 0, kLongestSet)),
       inStoreCount_(inStoreCount),
       ownSettings_(std::make_unique<DictionarySettings>()),
       settings_(ownSettings_.get()),
       leaveInMainStoreCount_(settings_->GetLeaveInMainStoreCount()),
       bitsetOff_(bitsetOff),
       latticeBuilt_(true),
-      fixedSetCount_(maxLevel + 1) {
+      fixedSetCount_(maxLevel_ + 1) {
   maxInStoreSets_ = settings_->GetMaxInStoreSets();
 }
 

@@ -58,11 +58,16 @@ class SubsetIndex;
 //   selection (the items values.data[index.data[i]]).
 class KORASSOC_EXPORT SetDictionary : public SemiLattice {
  public:
-  // The engine's constructor. maxLevel: most items of a stored set. settings stays the caller's and must
+  // The most items that any dictionary stores in a set. Every length has a table in saved states, and no run
+  // comes near: a set of so many items has 2 to that power subsets.
+  static constexpr int kLongestSet = 1000;
+
+  // The engine's constructor. maxLevel: most items of a stored set; below 0 counts as 0, above kLongestSet as
+  // kLongestSet. settings stays the caller's and must
   // outlive the dictionary; its number of fixed sets is cut to maxLevel + 1. The last argument has no effect.
   SetDictionary(int maxLevel, DictionarySettings* settings, bool);
   // A lattice around tables made elsewhere (one a level, from 0), which the dictionary takes over, with
-  // default settings of its own.
+  // default settings of its own. maxLevel as above.
   SetDictionary(std::vector<std::unique_ptr<HashTable>> levelTables, int inStoreCount, int maxLevel,
                 bool bitsetOff);
   SetDictionary(const SetDictionary&) = delete;

@@ -39,7 +39,8 @@ class KORASSOC_EXPORT AssociationAlgorithmSettings {
   int GetMaxTranLength() const { return maxTranLength_; }
   void SetMaxTranLength(int items) { maxTranLength_ = items; }
 
-  // The largest itemset kept, in items. Default 10.
+  // The largest itemset kept, in items. Default 10. The engine takes more than 1000 for 1000; the number
+  // given stays here and in saved states.
   int GetMaxLengthSet() const { return maxLengthSet_; }
   void SetMaxLengthSet(int items) { maxLengthSet_ = items; }
 

@@ -80,7 +80,8 @@ void CarmaAssociationAlgorithm::makeDictionary() {
 
 void CarmaAssociationAlgorithm::makeCounters() {
   ceilings_ = std::make_unique<CeilArray>(settings_->GetMaxNumSigmaChunks());
-  core_ = std::make_unique<CarmaCore>(settings_->GetMaxLengthSet(), settings_->GetMaxTranLength());
+  // The length that the dictionary keeps to: a longer candidate would be refused as by a full memory.
+  core_ = std::make_unique<CarmaCore>(dictionary_->maxLevel(), settings_->GetMaxTranLength());
 }
 
 void CarmaAssociationAlgorithm::readRecord(std::fstream& stream) {

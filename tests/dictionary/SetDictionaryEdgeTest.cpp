@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <numeric>
+#include <vector>
 
 #include "korassoc/dictionary/CarmaSetDescriptor.h"
 #include "korassoc/dictionary/SetDictionary.h"
@@ -55,6 +57,29 @@ TEST_F(SetDictionaryEdge, MaxLevelZeroHoldsTheEmptySetAlone) {
   EXPECT_EQ(dictionary().getDescriptor(1), nullptr);
   EXPECT_EQ(dictionary().removeSmallSets(100), 0);
   EXPECT_TRUE(contains({}));
+}
+
+TEST_F(SetDictionaryEdge, HasNoMoreThanOneThousandAndOneLevels) {
+  for (const int given : {1000, 1001, 2147483647}) {
+    EXPECT_EQ(SetDictionary(given, &settings, true).maxLevel(), 1000) << given;
+    EXPECT_EQ(SetDictionary(std::vector<std::unique_ptr<HashTable>>(), 0, given, true).maxLevel(), 1000);
+  }
+  EXPECT_EQ(SetDictionary(999, &settings, true).maxLevel(), 999);
+  for (const int given : {-1, -2147483647 - 1}) {
+    EXPECT_EQ(SetDictionary(given, &settings, true).maxLevel(), 0) << given;
+    EXPECT_EQ(SetDictionary(std::vector<std::unique_ptr<HashTable>>(), 0, given, true).maxLevel(), 0);
+  }
+}
+
+TEST_F(SetDictionaryEdge, RefusesASetOfMoreThanOneThousandItems) {
+  maxLevel = 2147483647;
+  oracle::Items items(1001);
+  std::iota(items.begin(), items.end(), 1);
+  EXPECT_EQ(add(items), 3);
+  EXPECT_FALSE(contains(items));
+  items.pop_back();
+  EXPECT_EQ(add(items), 0);
+  EXPECT_TRUE(contains(items));
 }
 
 TEST_F(SetDictionaryEdge, NumberOfFixedSetsIsClampedInTheSettingsToo) {

@@ -86,6 +86,40 @@ TEST(SaveState, IsPossibleBetweenTwoCallsOfPhaseIAlone) {
   EXPECT_EQ(shortForm(run.engine->GetStatus()), "OK");
 }
 
+// A state has a table for each length: 6 bytes each in binary, an object of 2 lines and a value as XML.
+TEST(SaveState, HasNoMoreTablesThanADictionaryHasLevels) {
+  constexpr int kGiven = 2147483647;
+  struct Unlimited : EngineHost {
+    explicit Unlimited(int maxLengthSet) : EngineHost(someTransactions()) {
+      settings->SetMaxLengthSet(maxLengthSet);
+      engine = std::make_unique<Engine>(settings.get(), &source);
+      support(someSupport);
+      engine->RunPhaseI(10);
+    }
+  };
+  const Unlimited run(kGiven);
+  const Unlimited limited(1000);
+  const std::string state = binaryState(*run.engine);
+  const std::string xml = xmlState(*run.engine);
+  EXPECT_EQ(state.size() - binaryState(*limited.engine).size(),
+            std::string(run.settings->GetDictionarySettings().GetSpillFileName()).size() -
+                std::string(limited.settings->GetDictionarySettings().GetSpillFileName()).size());
+  std::size_t tables = 0;
+  for (std::size_t at = 0; (at = xml.find("HashtablePair", at)) != std::string::npos; ++at) ++tables;
+  EXPECT_EQ(tables, 1001U);
+  EXPECT_EQ(run.settings->GetMaxLengthSet(), kGiven);
+  EXPECT_EQ(state.substr(9, 4), int32Bytes(kGiven)) << "behind CS, AAS and the length of transactions";
+  for (const auto format : {Restored::Binary, Restored::Xml}) {
+    Restored restored(format == Restored::Binary ? state : xml, format);
+    ASSERT_FALSE(restored.unusable());
+    EXPECT_EQ(contents(*restored.engine), contents(*run.engine));
+    restored.goOnBehind(10);
+    EXPECT_TRUE(restored.engine->RunPhaseI(100).IsOK());
+    EXPECT_EQ(binaryState(*restored.engine).substr(9, 4), int32Bytes(kGiven));
+    EXPECT_TRUE(restored.engine->RunPhaseII().IsOK());
+  }
+}
+
 TEST(SaveStateXML, IsRefusedBeforeAPhaseIThatEndedWell) {
   Running run;
   std::ostringstream xml;
