@@ -50,10 +50,14 @@ class CarmaCore {
 
   // Notes the number of a transaction that a complete pass has read.
   void noteTransactionII(int number) { nTransII_ = number; }
+  // Notes how many itemsets of one or more items a complete pass has found so far.
+  void noteItemsets(int found) { itemsets_ = found; }
 
   // Transactions counted by phase I, and by the second pass that ran last.
   int transactions() const { return nTrans_; }
   int transactionsII() const { return nTransII_; }
+  // Itemsets found by the complete pass that ran last; 0 before the first.
+  int itemsets() const { return itemsets_; }
   // Mean and largest size of the work list.
   double averageExtension() const { return aveExt_; }
   int maxExtension() const { return maxExt_; }
@@ -91,6 +95,7 @@ class CarmaCore {
   korassoc::detail::TransactionSequence second_;
   int nTrans_ = 0;
   int nTransII_ = 0;
+  int itemsets_ = 0;
   double sigma_ = 0.0;
   double meanLength_ = 0.0;
   int maxLength_ = 0;

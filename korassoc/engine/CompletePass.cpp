@@ -11,7 +11,9 @@ namespace korassoc::detail {
 // Sorts the itemsets by their sizes and puts the items themselves in the place of their ranks.
 class CompletePass::Collector final : public ItemsetSink {
  public:
-  explicit Collector(CompletePass& pass) : pass_(pass) {}
+  explicit Collector(CompletePass& pass)
+      : pass_(pass),
+        callsAfter_(pass.watch_.itemsetsBetweenCalls > 0 ? pass.watch_.itemsetsBetweenCalls : kNever) {}
 
   bool take(const std::uint32_t* ranks, std::size_t n, int count) override {
     if (sets_ >= pass_.limits_.maxSets) {
@@ -19,7 +21,8 @@ class CompletePass::Collector final : public ItemsetSink {
       return false;
     }
     constexpr int kSetsBetweenLooks = 1024;
-    if (++sets_ % kSetsBetweenLooks == 0 && !goesOn()) return false;
+    if (++sets_ % kSetsBetweenLooks == 0 && !mayGoOn()) return false;
+    if (!work(1)) return false;
     std::vector<CompleteLevel>& levels = pass_.found_.levels;
     if (levels.size() < n) levels.resize(n);
     std::vector<int>& items = levels[n - 1].items;
@@ -29,15 +32,36 @@ class CompletePass::Collector final : public ItemsetSink {
     return true;
   }
 
+  // The walk asks when it has tried to extend many sets, or one item. That counts as work, too: a search that
+  // finds nothing for a long time must still be heard of.
   bool goesOn() override {
-    if (pass_.watch_.cancelled()) outcome_ = Outcome::kCancelled;
-    return outcome_ == Outcome::kDone;
+    constexpr int kSetsOfALook = 64;
+    return mayGoOn() && work(kSetsOfALook);
   }
 
   Outcome outcome() const { return outcome_; }
 
  private:
+  static constexpr int kNever = std::numeric_limits<int>::max();
+
+  bool mayGoOn() {
+    if (pass_.watch_.cancelled()) outcome_ = Outcome::kCancelled;
+    return outcome_ == Outcome::kDone;
+  }
+
+  // Adds to the work since the last call of onFound, and makes the next one when it is due.
+  bool work(int sets) {
+    if (callsAfter_ == kNever) return true;
+    work_ += sets;
+    if (work_ < callsAfter_) return true;
+    work_ = 0;
+    pass_.watch_.onFound(sets_);
+    return mayGoOn();  // the call may have cancelled the pass
+  }
+
   CompletePass& pass_;
+  int callsAfter_;
+  std::int64_t work_ = 0;
   int sets_ = 0;
   Outcome outcome_ = Outcome::kDone;
 };

@@ -59,6 +59,11 @@ class CompletePass {
     std::function<bool()> cancelled;  // asked at every transaction and often in between
     // After every transaction of the first reading, with their number.
     std::function<void(int transactions)> onRead;
+
+    // While itemsets are enumerated: whenever this many have been found since the last call, and earlier
+    // where the search finds few. With the number found so far. 0: never.
+    int itemsetsBetweenCalls = 0;
+    std::function<void(int itemsets)> onFound = {};
   };
 
   CompletePass(MultiPassTransIter& source, const CompletePassLimits& limits, const Watch& watch);

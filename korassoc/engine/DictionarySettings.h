@@ -52,8 +52,8 @@ class KORASSOC_EXPORT DictionarySettings {
   int GetInitialRulesSize() const { return initialRulesSize_; }
   void SetInitialRulesSize(int buckets) { initialRulesSize_ = buckets; }
 
-  // Sets between two progress reports of rule creation, whatever the sign; 0: the last one alone. Default
-  // 1000.
+  // Sets between two progress reports of rule creation, and of the part of RunPhaseIIcomplete that enumerates
+  // itemsets, whatever the sign; 0: rule creation's last one alone. Default 1000.
   int GetReportFrequency() const { return reportFrequency_; }
   void SetReportFrequency(int sets) { reportFrequency_ = sets; }
 

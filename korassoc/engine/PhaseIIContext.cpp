@@ -1,6 +1,7 @@
 #include "korassoc/engine/PhaseIIContext.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <stdexcept>
 
 #include "korassoc/dictionary/SetDictionary.h"
@@ -17,6 +18,17 @@
 using KorAssoc::KorStatus;
 using korassoc::detail::completes;
 using korassoc::detail::kExceptionCode;
+using korassoc::detail::saturatingInt;
+
+namespace {
+
+// The settings' frequency counts whatever its sign.
+int setsBetweenReports(const CarmaSettings& settings) {
+  const long long sets = settings.GetDictionarySettings().GetReportFrequency();
+  return saturatingInt(static_cast<double>(std::abs(sets)));
+}
+
+}  // namespace
 
 // In what the two forms of the second pass differ.
 struct PhaseIIContext::Variant {
@@ -121,11 +133,21 @@ KorStatus PhaseIIContext::countCompletely(Engine& engine, double minSupport) con
   SetDictionary& dictionary = *engine.dictionary_;
   CarmaCore& core = *engine.core_;
   core.noteTransactionII(0);
-  const CompletePass::Watch watch{[&engine] { return engine.cancelRequested_.load(); },
-                                  [&](int number) {
-                                    core.noteTransactionII(number);
-                                    if (frequency != 0 && number % frequency == 0) report(engine);
-                                  }};
+  core.noteItemsets(0);
+  const CompletePass::Watch watch{
+      .cancelled = [&engine] { return engine.cancelRequested_.load(); },
+      .onRead =
+          [&](int number) {
+            core.noteTransactionII(number);
+            if (frequency != 0 && number % frequency == 0) report(engine);
+          },
+      // A host that wants no reports of its transactions wants none of what they make either.
+      .itemsetsBetweenCalls = frequency != 0 ? setsBetweenReports(settings) : 0,
+      .onFound =
+          [&](int itemsets) {
+            core.noteItemsets(itemsets);
+            report(engine);
+          }};
   const int maxSets = settings.GetDictionarySettings().GetMaxInStoreSets();
   // The dictionary keeps to the length with which it was made, whatever the settings say by now.
   const int maxLength = std::min(settings.GetMaxLengthSet(), dictionary.maxLevel());
@@ -144,6 +166,7 @@ KorStatus PhaseIIContext::countCompletely(Engine& engine, double minSupport) con
       break;
   }
   core.endPhaseII();
+  core.noteItemsets(saturatingInt(static_cast<double>(pass.itemsets().size())));
   dictionary.adopt(pass.itemsets());
   // What a later pass over the same transactions counts.
   engine.transactionsSeen_ = pass.itemsets().transactionCount;

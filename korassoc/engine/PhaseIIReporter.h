@@ -10,7 +10,9 @@
 class CarmaAssociationAlgorithm;
 
 // Answers from the live engine, which must outlive the report. Integers: "nTrans", the transactions of phase
-// I; "nTransII", those processed so far in phase II; "setTotal", the stored sets now. No real values.
+// I; "nTransII", those processed so far in phase II; "setTotal", the stored sets now; "itemsets", the
+// itemsets of one or more items that the last RunPhaseIIcomplete has found so far, 0 before the first. No
+// real values.
 class KORASSOC_EXPORT PhaseIIReporter : public ProgressReport {
  public:
   explicit PhaseIIReporter(const CarmaAssociationAlgorithm& engine) : engine_(engine) {}

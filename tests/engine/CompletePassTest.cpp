@@ -321,6 +321,111 @@ TEST(RunPhaseIIcomplete, StopsForACancelFromAReport) {
   EXPECT_EQ(engine.RunPhaseIIcomplete(0.5), KorStatus(1, false));
 }
 
+// What a listener hears at one report.
+struct Heard {
+  int transactions;
+  int itemsets;
+};
+
+// Runs the complete pass over the transactions, with a report every 3 transactions and every so many
+// itemsets. The listener cancels when it hears of cancelAt itemsets.
+struct HeardRun {
+  HeardRun(const Transactions& transactions, double support, int reportFrequency, int cancelAt = 1 << 30,
+           std::uint64_t budget = std::uint64_t{1} << 30)
+      : run(transactions) {
+    run.settings.SetReportFreqPhaseII(3);
+    run.settings.GetDictionarySettings().SetReportFrequency(reportFrequency);
+    run.settings.SetCompleteIndexBudget(budget);
+    CarmaAssociationAlgorithm& engine = run.start();
+    engine.SetProgressListener(new Listener(*this, cancelAt));
+    status = engine.RunPhaseIIcomplete(support);
+    heard.erase(heard.begin());  // the report of phase I's end
+  }
+
+  class Listener : public ProgressListener {
+   public:
+    Listener(HeardRun& run, int cancelAt) : run_(run), cancelAt_(cancelAt) {}
+    void OnProgress(ProgressReport* report) override {
+      run_.heard.push_back({report->GetIntValue("nTransII"), report->GetIntValue("itemsets")});
+      if (run_.heard.back().itemsets >= cancelAt_) run_.run.engine->Cancel();
+    }
+
+   private:
+    HeardRun& run_;
+    int cancelAt_;
+  };
+
+  std::vector<Heard> heard;
+  Mining run;
+  KorStatus status;
+};
+
+Transactions copies(int items, int n) {
+  Transactions transactions(static_cast<std::size_t>(n));
+  for (auto& transaction : transactions) {
+    for (int item = 0; item < items; ++item) transaction.push_back(item);
+  }
+  return transactions;
+}
+
+// 1,023 itemsets, each in all ten transactions.
+TEST(RunPhaseIIcomplete, TellsTheItemsetsFoundSoFar) {
+  for (const int frequency : {10, -10}) {
+    for (const std::uint64_t budget : {std::uint64_t{1} << 30, std::uint64_t{100}}) {
+      const HeardRun run(copies(10, 10), 1.0, frequency, 1 << 30, budget);
+      ASSERT_TRUE(run.status.IsOK());
+      ASSERT_GT(run.heard.size(), 100U);
+      for (std::size_t i = 0; i < 3; ++i) {  // while it reads
+        EXPECT_EQ(run.heard[i].transactions, 3 * static_cast<int>(i) + 3);
+        EXPECT_EQ(run.heard[i].itemsets, 0);
+      }
+      for (std::size_t i = 3; i < run.heard.size(); ++i) {
+        EXPECT_EQ(run.heard[i].transactions, 10);
+        EXPECT_GE(run.heard[i].itemsets, run.heard[i - 1].itemsets);
+        EXPECT_LE(run.heard[i].itemsets, run.heard[i - 1].itemsets + 10);
+      }
+      EXPECT_EQ(run.heard.back().itemsets, 1023);
+    }
+  }
+}
+
+// A hundred items, no two of them together: after the items nothing is found, but the search goes on.
+TEST(RunPhaseIIcomplete, IsHeardOfWhileItFindsNothing) {
+  Transactions transactions;
+  for (int i = 0; i < 100; ++i) transactions.push_back({i});
+  const HeardRun run(transactions, 0.01, 100);
+  ASSERT_TRUE(run.status.IsOK());
+  const auto atTheItems =
+      std::count_if(run.heard.begin(), run.heard.end(), [](const Heard& h) { return h.itemsets == 100; });
+  EXPECT_GT(atTheItems, 10);
+}
+
+TEST(RunPhaseIIcomplete, TellsOfNoItemsetsWhereAFrequencyIsZero) {
+  const HeardRun noSets(copies(10, 10), 1.0, 0);
+  ASSERT_EQ(noSets.heard.size(), 4U);  // transactions 3, 6, 9 and the end
+  EXPECT_EQ(noSets.heard.back().itemsets, 1023);
+
+  HeardRun noTransactions({}, 1.0, 10);
+  noTransactions.run.source = VectorTransactions(copies(10, 10));
+  noTransactions.run.settings.SetReportFreqPhaseII(0);
+  noTransactions.heard.clear();
+  ASSERT_TRUE(noTransactions.run.engine->RunPhaseIIcomplete(1.0).IsOK());
+  ASSERT_EQ(noTransactions.heard.size(), 1U);
+  EXPECT_EQ(noTransactions.heard.back().itemsets, 1023);
+}
+
+TEST(RunPhaseIIcomplete, StopsForACancelWhileItEnumerates) {
+  for (const std::uint64_t budget : {std::uint64_t{1} << 30, std::uint64_t{100}}) {
+    const HeardRun run(copies(30, 10), 1.0, 10, 500, budget);  // more sets than any test waits for
+    EXPECT_EQ(run.status, KorStatus(1, false));
+    ASSERT_FALSE(run.heard.empty());
+    EXPECT_LE(run.heard.back().itemsets, 510);
+    EXPECT_EQ(
+        std::count_if(run.heard.begin(), run.heard.end(), [](const Heard& h) { return h.itemsets >= 500; }),
+        1);
+  }
+}
+
 TEST(RunPhaseIIcomplete, AnswersTwoWhenTheSourceDoesNotRestart) {
   Mining run(repeated({1}, 2));
   run.source.restartResult = 1;
