@@ -56,6 +56,10 @@ class KORASSOC_EXPORT CarmaAssociationAlgorithm {
   // An engine that goes on from a saved state, binary or XML: in phase II when the state holds a lattice,
   // else in phase I. What is no complete state leaves the engine unusable, as above; lines about it go to the
   // standard streams. A state without its ceilings counts as complete in binary.
+  // The type of the stream decides which format is read: a std::fstream binary, a std::ifstream XML.
+  // To go on with phase I, the iterator must stand behind the NumberOfTransactions() that were read: an
+  // iterator at its start has them counted again, and nothing can tell. Settings that are not saved, the
+  // support source and the listener, are installed anew.
   CarmaAssociationAlgorithm(std::fstream& state, MultiPassTransIter* iterator);
   CarmaAssociationAlgorithm(std::ifstream& state, MultiPassTransIter* iterator);
 
@@ -74,16 +78,19 @@ class KORASSOC_EXPORT CarmaAssociationAlgorithm {
   KorAssoc::KorStatus SaveStateXML(std::ostream& stream);
 
   // Installs the object in the settings, which own it from then on and delete the one before. An engine that
-  // is cancelled or unusable, and for a support source also one in phase II, leaves it to the caller.
+  // is cancelled or unusable, and for a support source also one in phase II, leaves it to the caller, who can
+  // tell by asking the settings for it.
   void SetProgressListener(ProgressListener* listener);
   void SetSupportSource(SupportSource* source);
 
   // The most itemsets kept in memory. Has an effect before phase II only.
   void SetMaxInStoreSets(int sets);
 
-  // Reads at most transactions further transactions. 0 or less changes nothing and is OK. Code 1, warning:
-  // stopped by Cancel. Code 3, error: memory was full and nothing could be evicted. Code 40001, warning: an
-  // exception in the work or in a callback, no support source or no iterator; a line goes to standard output.
+  // Reads at most transactions further transactions, and prunes at the end of the call: so the size of the
+  // calls has a part in the result, unless all end at a multiple of the pruning frequency. 0 or less changes
+  // nothing and is OK. Code 1, warning: stopped by Cancel. Code 3, error: memory was full and nothing could
+  // be evicted. Code 40001, warning: an exception in the work or in a callback, no support source or no
+  // iterator; a line goes to standard output.
   KorAssoc::KorStatus RunPhaseI(int transactions);
 
   // Closes phase I if it is open, reads the same transactions again and builds the lattice from exact counts.

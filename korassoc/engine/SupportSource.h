@@ -9,6 +9,10 @@ class KORASSOC_EXPORT SupportSource {
  public:
   // The support threshold, a fraction from 0 to 1, that holds at a transaction. Transactions are counted from
   // 1 over all phase I calls of an engine.
+  //
+  // A threshold that falls finds little that is new: what was pruned under the higher one has lost its
+  // counts. Give the lowest threshold from the start, or prune at the end alone (SetRemoveSmallFreq(0)), or
+  // find what is missing with RunPhaseIIcomplete.
   virtual double GetSupport(int transaction) = 0;
 
   virtual ~SupportSource();
