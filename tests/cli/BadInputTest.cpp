@@ -7,8 +7,10 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <filesystem>
 #include <string>
+#include <thread>
 
 #include "tests/cli/RunKorassoc.h"
 #include "tests/support/TemporaryFile.h"
@@ -97,6 +99,27 @@ TEST(BadInput, InvalidUtf8) {
 TEST(BadInput, ItemOfTenMegabytes) {
   EXPECT_THAT(refusedContent("a b\n" + std::string(10'000'000, 'x') + "\n"),
               StartsWith("FILE:2:1: an item of 10000000 bytes, more than 4096; "));
+}
+
+// Whatever the moment: the run ends with a result or with a refusal.
+TEST(BadInput, FileThatAnotherProgramWritesToMeanwhile) {
+  std::string text;
+  while (text.size() < 1'000'000) text += "1 20 300 4000 50000\n";
+  const TemporaryFile file(text);
+  std::atomic<bool> done = false;
+  std::thread writer([&] {
+    while (!done) {
+      std::filesystem::resize_file(file.name(), 100'000);
+      std::filesystem::resize_file(file.name(), 0);
+      file.write(text);
+    }
+  });
+  for (int run = 0; run < 15; ++run) {
+    const ToolRun result = runKorassoc({"mine", file.name(), "-s", "50%", "-c", "50%"});
+    EXPECT_TRUE(result.exitCode == 0 || result.exitCode == kInput) << result.exitCode << ": " << result.err;
+  }
+  done = true;
+  writer.join();
 }
 
 TEST(BadInput, OnStandardInput) {
