@@ -32,7 +32,7 @@ TEST(Tree, EveryHeaderIsReadOnce) { EXPECT_THAT(unguardedHeaders(everything()), 
 
 TEST(Tree, NoFileIsLongerThanSixHundredLines) { EXPECT_THAT(longFiles(everything(), 600), IsEmpty()); }
 
-TEST(Tree, TheUmbrellaHeaderCoversEveryExport) { EXPECT_THAT(missingFromUmbrella(library()), IsEmpty()); }
+TEST(Tree, TheUmbrellaHeadersCoverEveryExport) { EXPECT_THAT(missingFromUmbrella(library()), IsEmpty()); }
 
 TEST(Tree, IsReadAtAll) {
   const std::vector<SourceFile> files = library();
@@ -58,7 +58,9 @@ TEST(FloorOf, PutsEachFolderOnItsFloor) {
                         {"korassoc/engine/CarmaCore.h", 6},
                         {"korassoc/engine/TransactionLog.h", 6},
                         {"korassoc/korassoc.h", 7},
-                        {"cli/main.cpp", 8},
+                        {"korassoc/mining/Labels.h", 8},
+                        {"korassoc/mining.h", 8},
+                        {"cli/main.cpp", 10},
                         {"tests/engine/RunPhaseITest.cpp", std::nullopt},
                         {"ItemSet.h", std::nullopt}};
   for (const Case& c : cases) EXPECT_EQ(floorOf(c.path), c.floor) << c.path;
@@ -125,6 +127,23 @@ TEST(UpwardIncludes, CatchesAToolOrAHostThatOpensASideDoor) {
                                                  HasSubstr("through korassoc/korassoc.h")));
 }
 
+TEST(UpwardIncludes, CatchesMiningReachingForAnInnerClass) {
+  const std::vector<SourceFile> files = {
+      {"korassoc/engine/CeilArray.h", "#pragma once\n"},
+      {"korassoc/engine/KorStatus.h", "#pragma once\n"},
+      {"korassoc/korassoc.h", "#include \"korassoc/engine/KorStatus.h\"\n"},
+      {"korassoc/mining/Model.cpp",
+       "#include \"korassoc/mining/Model.h\"\n#include \"korassoc/engine/KorStatus.h\"\n"
+       "#include \"korassoc/engine/CeilArray.h\"\n"}};
+  EXPECT_THAT(upwardIncludes(files), ElementsAre(HasSubstr("korassoc/mining/Model.cpp:3: ")));
+}
+
+TEST(UpwardIncludes, CatchesTheEngineReachingForMining) {
+  const std::vector<SourceFile> files = {
+      {"korassoc/rules/RuleOrder.cpp", "#include \"korassoc/mining/Measure.h\"\n"}};
+  EXPECT_THAT(upwardIncludes(files), ElementsAre(HasSubstr("(floor 8) above it")));
+}
+
 TEST(UpwardIncludes, CatchesALibraryFileOutsideTheRooms) {
   const std::vector<SourceFile> files = {{"korassoc/Helpers.h", "#pragma once\n"}};
   EXPECT_THAT(upwardIncludes(files), ElementsAre(HasSubstr("lives on no floor")));
@@ -136,6 +155,7 @@ TEST(UpwardIncludes, LetsArrowsRunDownAndAcross) {
        "#include \"korassoc/rules/AssociationRule.h\"\n#include \"korassoc/engine/KorStatus.h\"\n"},
       {"korassoc/korassoc.h", "#include \"korassoc/engine/CarmaAssociationAlgorithm.h\"\n"},
       {"cli/main.cpp", "#include \"cli/input/Reader.h\"\n#include \"korassoc/korassoc.h\"\n"},
+      {"cli/Tool.cpp", "#include \"korassoc/mining.h\"\n"},
       {"examples/mine_baskets.cpp", "#include \"korassoc/korassoc.h\"\n#include \"near.h\"\n"}};
   EXPECT_THAT(upwardIncludes(files), IsEmpty());
 }
@@ -159,8 +179,12 @@ TEST(MissingFromUmbrella, CatchesAnExportThatIsLeftOut) {
       {"korassoc/itemsets/ItemSet.h", "class KORASSOC_EXPORT ItemSet {};\n"},
       {"korassoc/itemsets/CountBound.h", "int countBound();\n"},
       {"korassoc/rules/AssociationRule.h", "class KORASSOC_EXPORT AssociationRule {};\n"},
-      {"korassoc/korassoc.h", "#include \"korassoc/itemsets/ItemSet.h\"\n"}};
-  EXPECT_THAT(missingFromUmbrella(files), ElementsAre(HasSubstr("korassoc/rules/AssociationRule.h:1: ")));
+      {"korassoc/korassoc.h", "#include \"korassoc/itemsets/ItemSet.h\"\n"},
+      {"korassoc/mining/Labels.h", "class KORASSOC_EXPORT Labels {};\n"},
+      {"korassoc/mining/Model.h", "class KORASSOC_EXPORT Model {};\n"},
+      {"korassoc/mining.h", "#include \"korassoc/mining/Labels.h\"\n"}};
+  EXPECT_THAT(missingFromUmbrella(files), ElementsAre(HasSubstr("korassoc/rules/AssociationRule.h:1: "),
+                                                      HasSubstr("korassoc/mining/Model.h:1: ")));
 }
 
 }  // namespace

@@ -11,11 +11,14 @@
 namespace korassoc::architecture {
 namespace {
 
-constexpr std::string_view kUmbrella = "korassoc/korassoc.h";
+constexpr std::string_view kEngineUmbrella = "korassoc/korassoc.h";
+constexpr std::string_view kMiningUmbrella = "korassoc/mining.h";
+constexpr std::string_view kMiningFolder = "korassoc/mining/";
 constexpr std::string_view kExportMacro = "korassoc/base/Export.h";
 constexpr int kEngineMachine = 6;
-constexpr int kUmbrellaFloor = 7;
-constexpr int kToolFloor = 8;
+constexpr int kEngineUmbrellaFloor = 7;
+constexpr int kMiningFloor = 8;
+constexpr int kToolFloor = 10;
 
 // What dictionary, rules and engine share of korassoc/engine: file names without their ending.
 constexpr std::array<std::string_view, 12> kVocabulary = {"AssociationAlgorithmSettings",
@@ -31,6 +34,9 @@ constexpr std::array<std::string_view, 12> kVocabulary = {"AssociationAlgorithmS
                                                           "Transaction",
                                                           "TransactionIterator"};
 
+// The inner headers of the engine that korassoc/mining/ uses beside the public ones.
+constexpr std::array<std::string_view, 1> kInnerForMining = {"korassoc/base/BinaryRecord.h"};
+
 std::string_view stem(std::string_view path) {
   const std::string_view name = path.substr(path.rfind('/') + 1);
   return name.substr(0, name.find('.'));
@@ -42,18 +48,45 @@ std::string at(const std::string& path, std::size_t line) { return path + ":" + 
 
 std::string onFloor(int floor) { return " (floor " + std::to_string(floor) + ")"; }
 
+bool isUmbrella(std::string_view path) { return path == kEngineUmbrella || path == kMiningUmbrella; }
+
+using Paths = std::set<std::string, std::less<>>;
+
+// What an umbrella header among the files includes.
+Paths includesOf(const std::vector<SourceFile>& files, std::string_view umbrella) {
+  Paths included;
+  for (const SourceFile& file : files) {
+    if (file.path != umbrella) continue;
+    for (const Include& include : quotedIncludes(file.text)) included.insert(include.path);
+  }
+  return included;
+}
+
+bool isOpenToMining(std::string_view path, const Paths& publicHeaders) {
+  return publicHeaders.contains(path) ||
+         std::find(kInnerForMining.begin(), kInnerForMining.end(), path) != kInnerForMining.end();
+}
+
 // What is wrong with one include of a file, or nothing.
-std::string breach(const SourceFile& file, const Include& include) {
+std::string breach(const SourceFile& file, const Include& include, const Paths& publicHeaders) {
   const std::optional<int> from = floorOf(file.path);
   const std::optional<int> to = floorOf(include.path);
   const bool intoLibrary = to && *to < kToolFloor;
   if (!from || *from == kToolFloor) {
-    if (intoLibrary && include.path != kUmbrella) return "sees the library through " + std::string(kUmbrella);
+    if (intoLibrary && !isUmbrella(include.path)) {
+      return "sees the library through " + std::string(kEngineUmbrella) + " and " +
+             std::string(kMiningUmbrella);
+    }
     if (!from || to) return {};
   }
   if (!to) return "includes are written from the root and stay in the library: " + include.path;
-  if (*to <= *from) return {};
-  return file.path + onFloor(*from) + " includes " + include.path + onFloor(*to) + " above it";
+  if (*to > *from) {
+    return file.path + onFloor(*from) + " includes " + include.path + onFloor(*to) + " above it";
+  }
+  if (*from == kMiningFloor && *to < kMiningFloor && !isOpenToMining(include.path, publicHeaders)) {
+    return file.path + " includes " + include.path + ", which the engine keeps for itself";
+  }
+  return {};
 }
 
 }  // namespace
@@ -96,7 +129,8 @@ std::vector<Include> quotedIncludes(std::string_view text) {
 
 std::optional<int> floorOf(std::string_view path) {
   const auto within = [path](std::string_view folder) { return path.starts_with(folder); };
-  if (path == kUmbrella) return kUmbrellaFloor;
+  if (path == kEngineUmbrella) return kEngineUmbrellaFloor;
+  if (path == kMiningUmbrella || within(kMiningFolder)) return kMiningFloor;
   if (within("cli/")) return kToolFloor;
   if (within("korassoc/itemsets/") || within("korassoc/base/")) return 0;
   if (within("korassoc/xml/export/")) return 5;
@@ -110,13 +144,14 @@ std::optional<int> floorOf(std::string_view path) {
 
 std::vector<std::string> upwardIncludes(const std::vector<SourceFile>& files) {
   std::vector<std::string> breaches;
+  const Paths publicHeaders = includesOf(files, kEngineUmbrella);
   for (const SourceFile& file : files) {
     if (file.path.starts_with("korassoc/") && !floorOf(file.path)) {
       breaches.push_back(at(file.path, 1) + "lives on no floor of the library");
       continue;
     }
     for (const Include& include : quotedIncludes(file.text)) {
-      const std::string wrong = breach(file, include);
+      const std::string wrong = breach(file, include, publicHeaders);
       if (!wrong.empty()) breaches.push_back(at(file.path, include.line) + wrong);
     }
   }
@@ -145,17 +180,16 @@ std::vector<std::string> longFiles(const std::vector<SourceFile>& files, std::si
 }
 
 std::vector<std::string> missingFromUmbrella(const std::vector<SourceFile>& files) {
-  std::set<std::string, std::less<>> included;
-  for (const SourceFile& file : files) {
-    if (file.path != kUmbrella) continue;
-    for (const Include& include : quotedIncludes(file.text)) included.insert(include.path);
-  }
+  const Paths ofEngine = includesOf(files, kEngineUmbrella);
+  const Paths ofMining = includesOf(files, kMiningUmbrella);
   std::vector<std::string> breaches;
   for (const SourceFile& file : files) {
-    if (!isHeader(file) || file.path == kUmbrella || file.path == kExportMacro) continue;
-    if (file.text.find("KORASSOC_EXPORT") == std::string::npos || included.contains(file.path)) continue;
-    breaches.push_back(at(file.path, 1) + "exports something, but " + std::string(kUmbrella) +
-                       " leaves it out");
+    if (!isHeader(file) || isUmbrella(file.path) || file.path == kExportMacro) continue;
+    if (file.text.find("KORASSOC_EXPORT") == std::string::npos) continue;
+    const bool isMining = file.path.starts_with(kMiningFolder);
+    if ((isMining ? ofMining : ofEngine).contains(file.path)) continue;
+    breaches.push_back(at(file.path, 1) + "exports something, but " +
+                       std::string(isMining ? kMiningUmbrella : kEngineUmbrella) + " leaves it out");
   }
   return breaches;
 }

@@ -1,0 +1,11 @@
+// Mining for programs: baskets in, itemsets and rules out, in one include.
+
+#pragma once
+
+#include "korassoc/mining/Baskets.h"
+#include "korassoc/mining/Error.h"
+#include "korassoc/mining/Item.h"
+#include "korassoc/mining/Labels.h"
+#include "korassoc/mining/Measure.h"
+#include "korassoc/mining/RuleOrder.h"
+#include "korassoc/mining/Support.h"
