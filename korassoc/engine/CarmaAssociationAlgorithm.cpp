@@ -66,6 +66,11 @@ KorStatus CarmaAssociationAlgorithm::RunPhaseII() {
 }
 
 KorStatus CarmaAssociationAlgorithm::RunPhaseIIcomplete(double minSupport) {
+  const CarmaContext* const state = state_;
+  const bool isInAPhase = state == &PhaseIContext::instance() || state == &PhaseIIContext::instance();
+  const bool isFraction = minSupport >= 0.0 && minSupport <= 1.0;  // no for NaN
+  // Before phase I is closed, so that nothing changes. What other states answer goes first.
+  if (isInAPhase && !isFraction) return setStatus(KorStatus(korassoc::detail::kExceptionCode, false));
   state_.load()->EndPhaseI(*this);
   return state_.load()->RunPhaseIIcomplete(*this, minSupport);
 }

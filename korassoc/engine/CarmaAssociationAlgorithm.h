@@ -175,7 +175,8 @@ class KORASSOC_EXPORT CarmaAssociationAlgorithm {
   // times the number of transactions, 1 at least; an integer up to rounding noise counts as that integer.
   // Reads the source to its end, once or as often as the settings' index budget calls for. An item that a
   // transaction repeats counts once. Codes 1, 2 and 40001 as for RunPhaseII. Code 3, error: there are more
-  // such sets than the settings allow in memory; the dictionary then holds what phase I left.
+  // such sets than the settings allow in memory; the dictionary then holds what phase I left. Code 40001,
+  // error, and nothing changed, with phase I still open: minSupport is below 0, above 1 or NaN.
   KorAssoc::KorStatus RunPhaseIIcomplete(double minSupport);
 
   // Product, version and copyright line.

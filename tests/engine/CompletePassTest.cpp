@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <limits>
 #include <map>
 #include <memory>
 #include <random>
@@ -118,14 +117,13 @@ struct Ask {
 
 // Supports whose bound is known without rounding: k of n up to noise, a rational number, and the ends.
 Ask randomAsk(std::mt19937& random, int n) {
-  const double infinity = std::numeric_limits<double>::infinity();
   const int k = n > 0 ? 1 + static_cast<int>(random() % static_cast<unsigned>(n)) : 1;
   const double exact = n > 0 ? static_cast<double>(k) / n : 0.5;
   switch (random() % 7) {
     case 0:
       return {exact, k};
     case 1:
-      return {std::nextafter(exact, infinity), k};
+      return {std::nextafter(exact, 1.0), k};
     case 2:
       return {std::nextafter(exact, 0.0), k};
     case 3:
@@ -133,7 +131,7 @@ Ask randomAsk(std::mt19937& random, int n) {
     case 4:
       return {1.0, std::max(n, 1)};
     case 5:
-      return {1.25, std::max(n + (n + 3) / 4, 1)};
+      return {0.75, std::max((3 * n + 3) / 4, 1)};
     default: {
       const int thousandths = static_cast<int>(random() % 1000);
       return {thousandths / 1000.0, std::max((n * thousandths + 999) / 1000, 1)};
