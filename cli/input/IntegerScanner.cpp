@@ -125,7 +125,6 @@ bool scanAll(std::string_view text, char mark, BasketBuilder& baskets) {
   if (!Lines::scan(text.data(), text.data() + whole, mark, baskets)) return false;
   if (whole == text.size()) return true;
   std::string lastLine(text.substr(whole));
-  if (lastLine.back() == '\r') lastLine.pop_back();
   lastLine += '\n';
   return Lines::scan(lastLine.data(), lastLine.data() + lastLine.size(), mark, baskets);
 }

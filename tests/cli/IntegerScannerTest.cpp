@@ -67,6 +67,9 @@ TEST(ScanIntegers, LeavesEverythingElseToOthers) {
                                     "1,2\n3;4\n",
                                     "1,2\n3 4\n",
                                     "1 2\r3\n",
+                                    "1 2\r\r\n",
+                                    "1 2\r\r",
+                                    "\r\r",
                                     "1 2\v3\n",
                                     "\xEF\xBB\xBF"
                                     "1\n"};

@@ -1,0 +1,30 @@
+// An input without a file.
+
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <optional>
+#include <string_view>
+
+#include "cli/input/InputFile.h"
+
+// Hands out bytes in blocks of at most so many, as a pipe does. The bytes must outlive it.
+class MemorySource : public korassoc::cli::ByteSource {
+ public:
+  explicit MemorySource(std::string_view bytes, std::size_t longestBlock = 1 << 16)
+      : left_(bytes), longestBlock_(longestBlock) {}
+
+  std::size_t read(char* to, std::size_t bytes) override {
+    const std::size_t got = std::min({bytes, left_.size(), longestBlock_});
+    if (got > 0) std::memcpy(to, left_.data(), got);
+    left_.remove_prefix(got);
+    return got;
+  }
+  std::optional<korassoc::cli::FileStamp> stamp() override { return std::nullopt; }
+
+ private:
+  std::string_view left_;
+  std::size_t longestBlock_;
+};
