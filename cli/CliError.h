@@ -26,4 +26,10 @@ class CliError : public std::runtime_error {
   ExitCode code_;
 };
 
+// Nobody reads the results any more.
+class BrokenPipe : public CliError {
+ public:
+  explicit BrokenPipe(const std::string& message) : CliError(ExitCode::kRunFailed, message) {}
+};
+
 }  // namespace korassoc::cli

@@ -3,10 +3,10 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <ostream>
 
 #include "cli/CliError.h"
+#include "cli/Notes.h"
 #include "cli/Printable.h"
 #include "cli/Stopwatch.h"
 
@@ -25,7 +25,7 @@ std::optional<DocumentFile> fileAt(const std::optional<std::string>& path, const
 }
 
 void reportFile(const std::string& path, const char* what, Stopwatch& watch) {
-  fmt::print(stderr, "document      {}: {}, {:.3f} seconds\n", printable(path), what, watch.lap());
+  note("document      {}: {}, {:.3f} seconds\n", printable(path), what, watch.lap());
 }
 
 }  // namespace

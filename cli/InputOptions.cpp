@@ -3,9 +3,9 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
 
 #include "cli/CliError.h"
+#include "cli/Notes.h"
 #include "cli/Printable.h"
 #include "cli/input/FileContent.h"
 #include "cli/input/LineReader.h"
@@ -37,20 +37,17 @@ BasketInput InputOptions::read() const {
 }
 
 void InputOptions::report(const BasketInput& input) const {
-  fmt::print(stderr, "input         {}: {}\n", file_ == "-" ? "standard input" : printable(file_),
-             input.format);
-  fmt::print(stderr, "transactions  {}\n", input.baskets.size());
-  fmt::print(stderr, "items         {} different, {} in all\n", input.names.size(),
-             input.baskets.occurrences());
+  note("input         {}: {}\n", file_ == "-" ? "standard input" : printable(file_), input.format);
+  note("transactions  {}\n", input.baskets.size());
+  note("items         {} different, {} in all\n", input.names.size(), input.baskets.occurrences());
   if (input.emptyLines > 0) {
-    fmt::print(stderr, "passed over   {} lines without an item\n", input.emptyLines);
+    note("passed over   {} lines without an item\n", input.emptyLines);
   }
   if (input.emptyItems > 0) {
-    fmt::print(stderr, "passed over   {} empty places between separators\n", input.emptyItems);
+    note("passed over   {} empty places between separators\n", input.emptyItems);
   }
   if (input.basketsWithRepeats > 0) {
-    fmt::print(stderr, "repeats       {} baskets name an item more than once; it counts once\n",
-               input.basketsWithRepeats);
+    note("repeats       {} baskets name an item more than once; it counts once\n", input.basketsWithRepeats);
   }
 }
 

@@ -3,11 +3,11 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
 
 #include "cli/CliError.h"
 #include "cli/Mining.h"
 #include "cli/NoRules.h"
+#include "cli/Notes.h"
 #include "cli/Stopwatch.h"
 #include "cli/output/RuleTable.h"
 
@@ -47,8 +47,8 @@ void MineVerb::run(ResultStream& out) {
   watch.lap();
   const std::vector<AssociationRule> rules = mining.rules(query);
   const double secondsRules = watch.lap();
-  fmt::print(stderr, "rules         {}\n", rules.size());
-  if (rules.empty()) fmt::print(stderr, "no rules      {}\n", whyNoRules(mining, query));
+  note("rules         {}\n", rules.size());
+  if (rules.empty()) note("no rules      {}\n", whyNoRules(mining, query));
 
   watch.lap();
   out.write(fmt::format("# {}; {}\n", mining.describe(), rules_.describe(query, input.names)));
@@ -59,8 +59,7 @@ void MineVerb::run(ResultStream& out) {
     writeRuleTable(rules, input.names, transactions, out);
   }
   out.finish();
-  fmt::print(
-      stderr,
+  note(
       "seconds       reading {:.3f}, first pass {:.3f}, second pass {:.3f}, rules {:.3f}, writing {:.3f}, "
       "in all {:.3f}\n",
       secondsReading, figures.secondsPhaseI, figures.secondsPhaseII, secondsRules, watch.lap(), total.lap());

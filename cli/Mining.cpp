@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <cmath>
-#include <cstdio>
 #include <filesystem>
 #include <limits>
 #include <optional>
@@ -11,6 +10,7 @@
 #include <utility>
 
 #include "cli/CliError.h"
+#include "cli/Notes.h"
 #include "cli/StandardOutputGuard.h"
 #include "cli/Stopwatch.h"
 
@@ -209,25 +209,23 @@ std::string Mining::describe() const {
 }
 
 void Mining::report() const {
-  fmt::print(stderr, "threshold     {} of {} transactions\n", figures_.leastCount, figures_.transactions);
+  note("threshold     {} of {} transactions\n", figures_.leastCount, figures_.transactions);
   if (plan_.mode == MiningMode::kExact) {
-    fmt::print(stderr, "preview       {} itemsets after the first {} transactions\n", figures_.setsInPhaseI,
-               figures_.transactionsInPhaseI);
-    fmt::print(stderr, "itemsets      {}, the longest of {} items\n", figures_.setsInLattice,
-               figures_.longestSet);
+    note("preview       {} itemsets after the first {} transactions\n", figures_.setsInPhaseI,
+         figures_.transactionsInPhaseI);
+    note("itemsets      {}, the longest of {} items\n", figures_.setsInLattice, figures_.longestSet);
     if (plan_.spillFolder) {
-      fmt::print(stderr, "spilled       nothing: an exact run keeps its result alone, and that in memory\n");
+      note("spilled       nothing: an exact run keeps its result alone, and that in memory\n");
     }
   } else {
-    fmt::print(stderr, "itemsets      {} after the first pass, {} at the end, the longest of {} items\n",
-               figures_.setsInPhaseI, figures_.setsInLattice, figures_.longestSet);
+    note("itemsets      {} after the first pass, {} at the end, the longest of {} items\n",
+         figures_.setsInPhaseI, figures_.setsInLattice, figures_.longestSet);
   }
   if (figures_.longestSet == settings_.GetMaxLengthSet()) {
-    fmt::print(stderr, "length        itemsets of more than {} items are not looked for\n",
-               figures_.longestSet);
+    note("length        itemsets of more than {} items are not looked for\n", figures_.longestSet);
   }
   if (figures_.setsSpilled > 0) {
-    fmt::print(stderr, "spilled       {} itemsets were on the disk for a time\n", figures_.setsSpilled);
+    note("spilled       {} itemsets were on the disk for a time\n", figures_.setsSpilled);
   }
 }
 

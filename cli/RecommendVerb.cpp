@@ -3,10 +3,10 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
 
 #include "cli/LabelList.h"
 #include "cli/Mining.h"
+#include "cli/Notes.h"
 #include "cli/Stopwatch.h"
 #include "cli/output/ItemText.h"
 #include "cli/output/RuleTable.h"
@@ -51,21 +51,20 @@ void RecommendVerb::run(ResultStream& out) {
     if (consequent.getConfidence() >= thresholds_.minConfidence()) shown.push_back(consequent);
   }
   if (found.empty()) {
-    fmt::print(stderr,
-               "nothing       support: none of these items is together with another one in {} of {} "
-               "transactions; try a lower support\n",
-               figures.leastCount, figures.transactions);
+    note(
+        "nothing       support: none of these items is together with another one in {} of {} "
+        "transactions; try a lower support\n",
+        figures.leastCount, figures.transactions);
   } else if (shown.empty()) {
-    fmt::print(stderr,
-               "nothing       confidence: the best confidence seen is {}, below {}; try a lower confidence\n",
-               percentText(found.front().getConfidence()), percentText(thresholds_.minConfidence()));
+    note("nothing       confidence: the best confidence seen is {}, below {}; try a lower confidence\n",
+         percentText(found.front().getConfidence()), percentText(thresholds_.minConfidence()));
   }
   out.write(fmt::format("# {}; what goes with {}: {}; the best {}; by confidence\n", mining.describe(),
                         setText(items, input.names), thresholds_.describe(figures.transactions),
                         thresholds_.top()));
   writeConsequentTable(shown, input.names, figures.transactions, out);
   out.finish();
-  fmt::print(stderr, "seconds       {:.3f} in all\n", watch.lap());
+  note("seconds       {:.3f} in all\n", watch.lap());
 }
 
 }  // namespace korassoc::cli

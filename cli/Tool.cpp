@@ -12,10 +12,12 @@
 
 #include "cli/CliError.h"
 #include "cli/MineVerb.h"
+#include "cli/Notes.h"
 #include "cli/Printable.h"
 #include "cli/RecommendVerb.h"
 #include "cli/Verb.h"
 #include "cli/output/ResultStream.h"
+#include "cli/process/Signals.h"
 #include "korassoc/korassoc.h"
 
 namespace korassoc::cli {
@@ -113,9 +115,7 @@ void run(const std::vector<std::string>& arguments) {
 }
 
 int fail(ExitCode code, const char* message) noexcept {
-  std::fputs("korassoc: ", stderr);
-  std::fputs(message, stderr);
-  std::fputc('\n', stderr);
+  for (const char* part : {"korassoc: ", message, "\n"}) noteText(part);  // no allocation: memory may be out
   return static_cast<int>(code);
 }
 
@@ -125,6 +125,9 @@ int runTool(const std::vector<std::string>& arguments) noexcept {
   try {
     run(arguments);
     return static_cast<int>(ExitCode::kOk);
+  } catch (const BrokenPipe& error) {  // caught here, so that nothing of the run is left behind
+    endByBrokenPipe();
+    return fail(error.code(), error.what());
   } catch (const CliError& error) {
     return fail(error.code(), error.what());
   } catch (const std::bad_alloc&) {

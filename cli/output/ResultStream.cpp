@@ -26,10 +26,11 @@ void ResultStream::flush() {
 
 void ResultStream::fail() {
   const int error = errno;
-  throw CliError(
-      ExitCode::kRunFailed,
+  const std::string message =
       name_ + ": cannot be written: " + (error == 0 ? "the system does not say why" : std::strerror(error)) +
-          "; the results are not complete");
+      "; the results are not complete";
+  if (error == EPIPE) throw BrokenPipe(message);
+  throw CliError(ExitCode::kRunFailed, message);
 }
 
 }  // namespace korassoc::cli

@@ -11,8 +11,8 @@
 namespace korassoc::cli {
 
 // ResultStream collects text and writes it in large blocks, usually to standard output. Throws CliError
-// (kRunFailed) as soon as a write fails. What was not finished is dropped: nothing is written unless there is
-// more than a block of it.
+// (kRunFailed) as soon as a write fails, a BrokenPipe when the reader of a pipe has left. What was not
+// finished is dropped: nothing is written unless there is more than a block of it.
 class ResultStream {
  public:
   // The file stays the caller's. name is what messages call it.

@@ -32,6 +32,8 @@ TEST(Tree, EveryHeaderIsReadOnce) { EXPECT_THAT(unguardedHeaders(everything()), 
 
 TEST(Tree, NoFileIsLongerThanSixHundredLines) { EXPECT_THAT(longFiles(everything(), 600), IsEmpty()); }
 
+TEST(Tree, TheToolHasOneVoiceOnStandardError) { EXPECT_THAT(otherVoices(libraryAndHosts()), IsEmpty()); }
+
 TEST(Tree, TheUmbrellaHeadersCoverEveryExport) { EXPECT_THAT(missingFromUmbrella(library()), IsEmpty()); }
 
 TEST(Tree, IsReadAtAll) {
@@ -171,6 +173,13 @@ TEST(UnguardedHeaders, CatchesAHeaderWithoutPragmaOnce) {
 TEST(LongFiles, CountsTheLimitItselfAsShortEnough) {
   EXPECT_THAT(longFiles({{"a.cpp", lines(600)}, {"b.cpp", lines(601)}}, 600),
               ElementsAre("b.cpp:601: more than 600 lines"));
+}
+
+TEST(OtherVoices, CatchesAFileThatWritesToStandardErrorItself) {
+  const std::vector<SourceFile> files = {{"cli/Tool.cpp", "\nfmt::print(stderr, \"hello\");\n"},
+                                         {"cli/Notes.cpp", "std::fputs(\"hello\", stderr);\n"},
+                                         {"korassoc/Helpers.cpp", "std::fputs(\"hello\", stderr);\n"}};
+  EXPECT_THAT(otherVoices(files), ElementsAre("cli/Tool.cpp:2: leave standard error to cli/Notes.cpp"));
 }
 
 TEST(MissingFromUmbrella, CatchesAnExportThatIsLeftOut) {

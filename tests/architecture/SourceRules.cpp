@@ -15,6 +15,7 @@ constexpr std::string_view kEngineUmbrella = "korassoc/korassoc.h";
 constexpr std::string_view kMiningUmbrella = "korassoc/mining.h";
 constexpr std::string_view kMiningFolder = "korassoc/mining/";
 constexpr std::string_view kExportMacro = "korassoc/base/Export.h";
+constexpr std::string_view kNotes = "cli/Notes.cpp";
 constexpr int kEngineMachine = 6;
 constexpr int kEngineUmbrellaFloor = 7;
 constexpr int kMiningFloor = 8;
@@ -175,6 +176,20 @@ std::vector<std::string> longFiles(const std::vector<SourceFile>& files, std::si
     const auto lines = static_cast<std::size_t>(std::count(file.text.begin(), file.text.end(), '\n'));
     if (lines > limit)
       breaches.push_back(at(file.path, lines) + "more than " + std::to_string(limit) + " lines");
+  }
+  return breaches;
+}
+
+std::vector<std::string> otherVoices(const std::vector<SourceFile>& files) {
+  std::vector<std::string> breaches;
+  for (const SourceFile& file : files) {
+    if (floorOf(file.path) != kToolFloor || file.path == kNotes) continue;
+    std::istringstream text(file.text);
+    std::string line;
+    for (std::size_t number = 1; std::getline(text, line); ++number) {
+      if (line.find("stderr") == std::string::npos) continue;
+      breaches.push_back(at(file.path, number) + "leave standard error to " + std::string(kNotes));
+    }
   }
   return breaches;
 }

@@ -60,6 +60,10 @@ std::vector<std::string> unguardedHeaders(const std::vector<SourceFile>& files);
 // Files of more than `limit` lines.
 std::vector<std::string> longFiles(const std::vector<SourceFile>& files, std::size_t limit);
 
+// Lines of the tool that name standard error where it is not cli/Notes.cpp, the one place that may write
+// there: a message that cannot be written must not end a run.
+std::vector<std::string> otherVoices(const std::vector<SourceFile>& files);
+
 // Headers that mark something KORASSOC_EXPORT, and that the umbrella header of its floor leaves out.
 std::vector<std::string> missingFromUmbrella(const std::vector<SourceFile>& files);
 
