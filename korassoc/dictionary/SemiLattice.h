@@ -16,6 +16,22 @@ class ProgressListener;
 
 // The stored itemsets with their counts, ordered by inclusion. The order of the virtual operations is part of
 // the binary interface: new ones are added at the end of the derived class.
+//
+// Supports and confidences are fractions from 0 to 1. No other number is refused:
+//
+//                             createRules, exportRulesXML,    the filtered operations
+//                             filteredCopy
+//   minimum  0 or less        no bound                        no bound
+//            above 1          a support: a count like any     nothing
+//                             other; a confidence: nothing
+//            NaN              a support: no bound;            nothing
+//                             a confidence: nothing
+//   maximum  0 or less                                        nothing
+//            1 or more                                        no bound
+//            NaN                                              nothing
+//
+// Infinities count as any number of their sign. As a count, a support is rounded leniently: 1.05 of 10
+// transactions asks for all 10.
 class KORASSOC_EXPORT SemiLattice {
  public:
   // Appends to out the rules X -> Z \ X of every stored set Z of at least minSupport (a fraction, rounded

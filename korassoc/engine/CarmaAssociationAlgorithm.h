@@ -106,7 +106,9 @@ class KORASSOC_EXPORT CarmaAssociationAlgorithm {
   KorAssoc::KorStatus RunPhaseIIrandom();
 
   // Closes phase I and builds the lattice from phase I's counts. The number of transactions grows by its
-  // given fraction, to allow for what was missed. Refused once phase II has begun.
+  // given fraction, to allow for what was missed. Refused once phase II has begun. No fraction is: NaN adds
+  // none, a negative one takes away, below -1 to less than no transactions, and what an int cannot hold
+  // becomes the largest or smallest that it can.
   KorAssoc::KorStatus RunNullPhaseII(double fraction);
 
   // The queries append to their vector, in phase II only; what they answer beside the refusals: SemiLattice,
