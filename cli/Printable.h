@@ -9,8 +9,9 @@
 namespace korassoc::cli {
 
 // The text with every character that would break or disguise a line escaped: control characters as \t, \n,
-// \xHH, line and paragraph separators and direction overrides as \u{HHHH}, bytes that are not UTF-8 as \xHH.
-// Everything else stays as it is.
+// \xHH; as \u{HHHH} line and paragraph separators, what turns the direction of the text, and what cannot be
+// seen (zero-width spaces, marks inside a text, tags, soft hyphens, joiners where nothing joins); bytes that
+// are not UTF-8 as \xHH. Everything else stays as it is.
 std::string printable(std::string_view text);
 
 // How many columns a printable text takes on a terminal: 0 for combining marks, 2 for wide (East Asian and
