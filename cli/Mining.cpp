@@ -151,8 +151,7 @@ void Mining::runSecondPass() {
   switch (plan_.mode) {
     case MiningMode::kExact: {
       settings_.GetDictionarySettings().SetMaxInStoreSets(room_);
-      const double support = figures_.leastCount / static_cast<double>(figures_.transactions);
-      const KorAssoc::KorStatus status = engine_->RunPhaseIIcomplete(support);
+      const KorAssoc::KorStatus status = countCompletely();
       if (plan_.maxSets && status.GetCode() == kMemoryFull) {
         throw CliError(
             ExitCode::kLimit,
@@ -172,6 +171,18 @@ void Mining::runSecondPass() {
   const auto& dictionary = dynamic_cast<const SetDictionary&>(lattice());
   figures_.setsGivenUp = dictionary.setsGivenUp();
   figures_.setsSpilled = dictionary.setsSpilled();
+}
+
+// More transactions than there are is no support: nothing reaches it, and nothing is looked for.
+KorAssoc::KorStatus Mining::countCompletely() {
+  if (figures_.leastCount <= figures_.transactions) {
+    return engine_->RunPhaseIIcomplete(figures_.leastCount / static_cast<double>(figures_.transactions));
+  }
+  const int longest = settings_.GetMaxLengthSet();
+  settings_.SetMaxLengthSet(0);
+  const KorAssoc::KorStatus status = engine_->RunPhaseIIcomplete(1);
+  settings_.SetMaxLengthSet(longest);
+  return status;
 }
 
 void Mining::beforeBasket(int number) {

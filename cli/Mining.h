@@ -85,6 +85,7 @@ class Mining {
   void limitMemory();
   void runPhaseI();
   void runSecondPass();
+  KorAssoc::KorStatus countCompletely();
   // Called before each basket of the first pass.
   void beforeBasket(int number);
   void boundWork(int basketsDone);
