@@ -38,13 +38,11 @@ class PackedLevel;
 // are few, so sets are found through an index of their own.
 //
 // Ownership: the destructor deletes the keys and descriptors that the table holds. remove() hands an entry to
-// the
-//   caller with all that it holds; clear() lets keys and descriptors go without deleting them. Entries made
-//   by emplace() live in the table's pool with their key and first descriptor: they never outlive the table,
-//   and release() is the only way to delete them.
+//   the caller with all that it holds; clear() lets keys and descriptors go without deleting them. Entries
+//   made by emplace() live in the table's pool with their key and first descriptor: they never outlive the
+//   table, and release() is the only way to delete them.
 // Cost: find and put O(1), remove O(1 + length of the chain). The bucket array is made at the first
-// insertion, and
-//   takes memory for the buckets in use only where the number of buckets is out of proportion.
+//   insertion, and takes memory for the buckets in use only where the number of buckets is out of proportion.
 // Memory of a set of up to four items made by emplace(), buckets and index included: about 125 bytes.
 class KORASSOC_EXPORT HashTable {
  public:

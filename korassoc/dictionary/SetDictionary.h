@@ -48,14 +48,11 @@ class SubsetIndex;
 // lattice, on which the queries work.
 //
 // Invariants: a set stands in the table of its own length, and either in memory or on disk; a set stands in
-// the
-//   small queue only while it is in memory; inStoreCount() counts the sets in memory.
+//   the small queue only while it is in memory; inStoreCount() counts the sets in memory.
 // Ownership: owns all stored sets and descriptors; whoever hands in a descriptor gives it up when the answer
-// is
-//   that the set was stored.
+//   is that the set was stored.
 // A set argument comes in five forms: ItemSet; ascending array with a length; single item; OrderedArray;
-// index
-//   selection (the items values.data[index.data[i]]).
+//   index selection (the items values.data[index.data[i]]).
 class KORASSOC_EXPORT SetDictionary : public SemiLattice {
  public:
   // The most items that any dictionary stores in a set. Every length has a table in saved states, and no run

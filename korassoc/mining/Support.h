@@ -12,11 +12,10 @@ namespace korassoc {
 // worked out here and nowhere else, once for each number of transactions:
 //
 //   support              transactions   leastCount   largestCount
-//   fraction(0.25)             10           3             2         2.5: three of ten are a quarter, two are
-//   not fraction(0.07)            100           7             7         7.000000000000001 is 7 within
-//   rounding fraction(0)                10           1             0         nothing is in less than one
-//   transaction count(25)                  10          25            25         whatever the number of
-//   transactions
+//   fraction(0.25)             10           3             2         2.5: three reach it, two do not go beyond
+//   fraction(0.07)            100           7             7         7.000000000000001 is 7 within rounding
+//   fraction(0)                10           1             0         nothing is in less than one transaction
+//   count(25)                  10          25            25         whatever the number of transactions
 //
 // A product that is an integer within rounding (100 machine epsilons, as everywhere in the engine) counts as
 // that integer. Beyond 10^13 transactions doubles are coarser than a single one.

@@ -11,8 +11,7 @@ namespace korassoc::detail {
 // since the order of visits shows in the order of unsorted rules:
 //   push: the new pair rises past every parent whose count is lower or equal;
 //   pop:  the last pair is put at the root and sinks past the larger child, the left one of two equal ones,
-//   while
-//         that child's count is strictly larger.
+//         while that child's count is strictly larger.
 class CandidateQueue {
  public:
   bool empty() const { return heap_.size() == 1; }

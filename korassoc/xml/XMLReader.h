@@ -16,8 +16,7 @@ namespace KorAssocXML {
 // (ParseStartXML takes three lines, ParseStartObj a second one when the first is empty).
 //
 //   Lines: at most 255 characters, ended by a line feed or the end of the file. A longer one sets the
-//   stream's
-//     fail bit; what lies beyond those characters is not read. A zero byte ends a line's text early.
+//     stream's fail bit; what lies beyond those characters is not read. A zero byte ends a line's text early.
 //   Values: as the text stands, with its entities; indentation and what follows the value do not matter.
 //   False: another element, a value missing, a line too long, the stream at its end or failed. Nothing is
 //     printed, and the target keeps its value.

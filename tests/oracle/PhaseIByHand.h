@@ -137,12 +137,10 @@ inline HandRun repeatedItems() {
       // t 1. The first a is stored, the second counts it. Work list a.
       {"aab", 0.1, "a 2@1+0, b 1@1+0"},
       // t 2, T 1, q 0. a 3, then a 4: aa by the first a: u = 4 - 1 = 3, min(4 - 1, 3, q + 1) = 1. b 2: ab by
-      // the
-      // first a: u 3, min(2 - 1, 3, 1) = 1; by the second a: stored by now, counted. Work list a a b ab.
+      // the first a: u 3, min(2 - 1, 3, 1) = 1; by the second a: stored by now, counted. Work list a a b ab.
       {"aba", 0.1, "a 4@1+0, b 2@1+0, aa 1@2+1, ab 2@2+1"},
       // t 3, T 1, q 0. aa 2. ab 3 and 4. aab by aa: u = 2 + 1 - 1 = 2; start at min(2, 2, 2 + 0) = 2; ab
-      // twice:
-      // TID 2, 4 + 1 - 1 = 4: passes with 2. Work list a a aa b ab ab.
+      // twice: TID 2, 4 + 1 - 1 = 4: passes with 2. Work list a a aa b ab ab.
       {"baa", 0.1, "a 6@1+0, b 3@1+0, aa 2@2+1, ab 4@2+1, aab 1@3+2"},
   };
   // Pruning at 0.3, cut to 0: nothing goes.
