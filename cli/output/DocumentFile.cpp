@@ -27,10 +27,11 @@ constexpr int kMostLinks = 40;
 constexpr int kAttempts = 8;
 
 // Where a path leads, also when nothing is there yet.
-fs::path followed(fs::path path) {
-  std::error_code error;
-  for (int links = 0; links < kMostLinks && fs::is_symlink(fs::symlink_status(path, error)); ++links) {
-    const fs::path next = fs::read_symlink(path, error);
+fs::path followed(fs::path path, std::error_code& error) {
+  std::error_code absent;
+  for (int links = 0; fs::is_symlink(fs::symlink_status(path, absent)); ++links) {
+    if (links == kMostLinks) error = std::make_error_code(std::errc::too_many_symbolic_link_levels);
+    const fs::path next = error ? fs::path() : fs::read_symlink(path, error);
     if (error) break;
     path = path.parent_path() / next;  // an absolute next stands for itself
   }
@@ -75,7 +76,7 @@ class NewFile {
   explicit NewFile(const fs::path& target) : target_(target) {
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
       path_ = folderOf(target) / (".korassoc-" + randomDigits() + ".tmp");
-      sink_ = FileSink::createNew(path_.string());
+      sink_ = FileSink::createNew(path_.string(), target_.string());
       error_ = sink_ == nullptr ? errno : 0;
       if (error_ != EEXIST) return;
     }
@@ -92,15 +93,6 @@ class NewFile {
   // The errno of what failed, 0 when nothing did.
   int error() const { return error_; }
   FileSink& sink() { return *sink_; }
-
-  // Takes over the permissions of the file that it is going to replace, if there is one.
-  void takePermissions() {
-    std::error_code error;
-    const fs::file_status before = fs::status(target_, error);
-    if (error || !fs::exists(before)) return;
-    fs::permissions(path_, before.permissions(), error);
-    if (error) error_ = error.value();
-  }
 
   void moveIntoPlace() {
     std::error_code error;
@@ -125,7 +117,9 @@ DocumentFile::DocumentFile(const std::string& path) : name_(printable(path)) {
   const fs::file_status there = fs::status(path, error);
   if (fs::is_directory(there)) fail(EISDIR);
   direct_ = fs::exists(there) && !fs::is_regular_file(there);
-  target_ = direct_ ? fs::path(path) : followed(path);
+  error.clear();  // what is not there may be made; why it cannot is found out below
+  target_ = direct_ ? fs::path(path) : followed(path, error);
+  if (error) fail(error.value());
   if (direct_) return;
   if (target_.filename().empty()) fail(ENOENT);
   if (fs::exists(there)) {
@@ -159,8 +153,6 @@ void DocumentFile::replaceTarget(const Writer& writer) const {
   writer(out);
   if (!file.sink().finish()) fail(file.sink().error());
   if (!out.good()) fail(EIO);
-  file.takePermissions();
-  if (file.error() != 0) fail(file.error());
   file.moveIntoPlace();
   if (file.error() != 0) fail(file.error());
   FileSink::syncFolder(folderOf(target_).string());  // the document is in place whatever comes of it

@@ -15,8 +15,9 @@ namespace korassoc::cli {
 //   FILE's folder   .korassoc-1f0c...tmp  --written, flushed, synced, closed-->  renamed to FILE
 //
 // So FILE holds either what it held before or the whole document, whatever happens, and a failure leaves
-// nothing behind. A file that is replaced hands its permissions on; a link is followed, not replaced. What is
-// no file (a device, a pipe) cannot be replaced and is written to directly.
+// nothing behind. A file of our own that is replaced hands its permissions on (FileSink::createNew says which
+// of somebody else's); a link is followed, not replaced. What is no file (a device, a pipe) cannot be
+// replaced and is written to directly.
 class DocumentFile {
  public:
   // Makes sure that a file can be made there, before the work is done that fills it. Throws CliError:

@@ -36,14 +36,16 @@ long writeSome(int descriptor, const char* bytes, std::size_t count) {
 int syncFile(int descriptor) { return ::_commit(descriptor); }
 int closeFile(int descriptor) { return ::_close(descriptor); }
 void syncNames(const char*) {}
+int openNew(const char* path, const char*) { return openFile(path, kNewFile); }
 class FileSizeSignalOff {};
 #else
 constexpr int kNewFile = O_WRONLY | O_CLOEXEC | O_NOCTTY | O_CREAT | O_EXCL;
 constexpr int kOldFile = O_WRONLY | O_CLOEXEC | O_NOCTTY;
-int openFile(const char* path, int flags) {
+constexpr mode_t kEverybody = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
+int openFile(const char* path, int flags, mode_t mode = 0) {
   int descriptor = -1;
   do {
-    descriptor = ::open(path, flags, S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH);
+    descriptor = ::open(path, flags, mode);
   } while (descriptor < 0 && errno == EINTR);
   return descriptor;
 }
@@ -63,6 +65,37 @@ void syncNames(const char* folder) {
   if (descriptor < 0) return;
   static_cast<void>(syncFile(descriptor));
   closeFile(descriptor);
+}
+
+// Gives a new file the group and the permissions of an older one of the same owner.
+bool takeOver(int descriptor, const struct stat& older, const struct stat& newer) {
+  constexpr mode_t kGroup = S_IRWXG;
+  constexpr mode_t kOthers = S_IRWXO;
+  mode_t mode = older.st_mode & (S_IRWXU | kGroup | kOthers);
+  // The group first: changing it takes permissions away. Who is in the group that the file has instead may do
+  // what everybody may.
+  if (older.st_gid != newer.st_gid && ::fchown(descriptor, static_cast<uid_t>(-1), older.st_gid) != 0) {
+    mode &= ~kGroup | ((mode & kOthers) << 3);
+  }
+  return ::fchmod(descriptor, mode) == 0;
+}
+
+int openNew(const char* path, const char* replaced) {
+  struct stat older {};
+  struct stat newer {};
+  const bool replaces = ::stat(replaced, &older) == 0;
+  // From the start: whoever has opened the file goes on reading it, whatever permissions it has by then.
+  const mode_t mode = replaces ? kEverybody & (older.st_mode | S_IRUSR | S_IWUSR) : kEverybody;
+  const int descriptor = openFile(path, kNewFile, mode);
+  if (descriptor < 0 || !replaces) return descriptor;
+  const bool done = ::fstat(descriptor, &newer) == 0 &&
+                    (newer.st_uid != older.st_uid || takeOver(descriptor, older, newer));
+  if (done) return descriptor;
+  const int error = errno;
+  ::unlink(path);
+  closeFile(descriptor);
+  errno = error;
+  return -1;
 }
 
 // While one lives, a file that grows beyond the limit of the process is an error and not the process's end.
@@ -85,8 +118,8 @@ bool meansNothingToSync(int error) { return error == EINVAL || error == ENOTSUP 
 
 }  // namespace
 
-std::unique_ptr<FileSink> FileSink::createNew(const std::string& path) {
-  return over(openFile(path.c_str(), kNewFile));
+std::unique_ptr<FileSink> FileSink::createNew(const std::string& path, const std::string& replaced) {
+  return over(openNew(path.c_str(), replaced.c_str()));
 }
 
 std::unique_ptr<FileSink> FileSink::openExisting(const std::string& path) {

@@ -14,9 +14,14 @@ namespace korassoc::cli {
 // written after it, and the stream goes bad.
 class FileSink : public std::streambuf {
  public:
-  // A new file, which must not exist yet, with the permissions that a new file usually gets. Null, with errno
-  // set, when it cannot be made.
-  static std::unique_ptr<FileSink> createNew(const std::string& path);
+  // A new file, which must not exist yet. Null, with errno set, when it cannot be made.
+  //
+  // It is going to replace a file, if there is one, and is never open to anybody who had no access to that.
+  // Of a file of our own it takes over group and permissions (but no right to run as its owner or group);
+  // what a group could do that it may not be given to is left to nobody. Where somebody else's file is
+  // replaced, or none, it has the usual permissions of a new one, in the first case less what that file did
+  // not allow.
+  static std::unique_ptr<FileSink> createNew(const std::string& path, const std::string& replaced);
   // Something that exists and is not a file of its own, such as a device. Null, with errno set, when it
   // cannot be opened.
   static std::unique_ptr<FileSink> openExisting(const std::string& path);

@@ -40,6 +40,11 @@ class DocumentFileTest : public testing::Test {
   std::vector<std::string> names() const { return folder_.names(); }
   std::string contents(const std::string& name) const { return folder_.contents(name); }
   void store(const std::string& name, const std::string& text) const { folder_.store(name, text); }
+  struct stat statusOf(const std::string& name) const {
+    struct stat status {};
+    EXPECT_EQ(::stat(path(name).c_str(), &status), 0) << name;
+    return status;
+  }
   static void write(const std::string& file, const std::string& text) {
     DocumentFile(file).write([&](std::ostream& out) { out << text; });
   }
@@ -139,6 +144,72 @@ TEST_F(DocumentFileTest, KeepsThePermissionsOfTheFileThatItReplaces) {
   EXPECT_EQ(fs::status(path("rules.xml")).permissions(), static_cast<fs::perms>(0604));
 }
 
+TEST_F(DocumentFileTest, IsNeverMadeToRunAsItsOwner) {
+  store("rules.xml", "before");
+  ASSERT_EQ(::chmod(path("rules.xml").c_str(), 07755), 0);
+  write(path("rules.xml"), "after");
+  EXPECT_EQ(contents("rules.xml"), "after");
+  EXPECT_EQ(fs::status(path("rules.xml")).permissions(), static_cast<fs::perms>(0755));
+}
+
+// What somebody else allowed all the world to do with a file is no reason to allow it with one's own.
+TEST_F(DocumentFileTest, IsOpenToNobodyMoreThanANewFileWhenItReplacesSomebodyElsesFile) {
+  if (::geteuid() != 0) GTEST_SKIP() << "the superuser alone gives files away";
+  struct Case {
+    unsigned int before, after;
+  };
+  for (const Case& c : {Case{06777, 0644}, Case{0666, 0644}, Case{0640, 0640}, Case{0600, 0600},
+                        Case{0444, 0644}, Case{0044, 0644}}) {
+    store("rules.xml", "before");
+    ASSERT_EQ(::chown(path("rules.xml").c_str(), 65534, 65534), 0);
+    ASSERT_EQ(::chmod(path("rules.xml").c_str(), c.before), 0);
+    const mode_t mask = ::umask(022);
+    write(path("rules.xml"), "after");
+    ::umask(mask);
+    EXPECT_EQ(contents("rules.xml"), "after");
+    const struct stat now = statusOf("rules.xml");
+    EXPECT_EQ(now.st_mode & 07777U, c.after) << std::oct << c.before;
+    EXPECT_EQ(now.st_uid, 0U);
+    EXPECT_EQ(now.st_gid, ::getegid());
+    fs::remove(path("rules.xml"));
+  }
+}
+
+TEST_F(DocumentFileTest, KeepsTheGroupOfTheFileThatItReplaces) {
+  if (::geteuid() != 0) GTEST_SKIP() << "the superuser alone is sure to have a second group";
+  store("rules.xml", "before");
+  ASSERT_EQ(::chown(path("rules.xml").c_str(), 0, 65534), 0);
+  ASSERT_EQ(::chmod(path("rules.xml").c_str(), 0664), 0);
+  write(path("rules.xml"), "after");
+  EXPECT_EQ(statusOf("rules.xml").st_gid, 65534U);
+  EXPECT_EQ(statusOf("rules.xml").st_mode & 07777U, 0664U);
+}
+
+TEST_F(DocumentFileTest, GivesAGroupThatItCannotKeepNothingOfItsRights) {
+  if (::geteuid() != 0) GTEST_SKIP() << "the superuser alone makes files of groups that it then is not in";
+  store("rules.xml", "before");
+  ASSERT_EQ(::chown(path("rules.xml").c_str(), 65534, 65533), 0);
+  ASSERT_EQ(::chmod(path("rules.xml").c_str(), 0674), 0);
+  fs::permissions(folder_.path(), static_cast<fs::perms>(0777));
+  {
+    const NoSuperuser somebody;
+    write(path("rules.xml"), "after");
+  }
+  EXPECT_EQ(contents("rules.xml"), "after");
+  EXPECT_NE(statusOf("rules.xml").st_gid, 65533U);
+  EXPECT_EQ(statusOf("rules.xml").st_mode & 07777U, 0644U);  // what all the world may, and no more
+}
+
+// An open file stays open whatever permissions it is given later.
+TEST_F(DocumentFileTest, IsNeverMoreOpenThanTheFileThatItReplaces) {
+  store("rules.xml", "before");
+  fs::permissions(path("rules.xml"), static_cast<fs::perms>(0600));
+  DocumentFile(path("rules.xml")).write([&](std::ostream& out) {
+    out << std::string(kSeveralBlocks, 'n') << std::flush;
+    for (const std::string& name : names()) EXPECT_EQ(statusOf(name).st_mode & 07777U, 0600U) << name;
+  });
+}
+
 TEST_F(DocumentFileTest, IsWrittenWhereALinkLeads) {
   store("target.xml", "before");
   fs::create_symlink("target.xml", path("link.xml"));
@@ -154,6 +225,28 @@ TEST_F(DocumentFileTest, IsMadeWhereALinkLeadsToNothingYet) {
   write(path("link.xml"), "text");
   EXPECT_TRUE(fs::is_symlink(path("link.xml")));
   EXPECT_EQ(contents("sub/target.xml"), "text");
+}
+
+TEST_F(DocumentFileTest, IsWrittenWhereManyLinksLead) {
+  store("0", "before");
+  for (int i = 1; i <= 39; ++i) fs::create_symlink(std::to_string(i - 1), path(std::to_string(i)));
+  write(path("39"), "after");
+  EXPECT_EQ(contents("0"), "after");
+  EXPECT_TRUE(fs::is_symlink(path("1")));
+}
+
+TEST_F(DocumentFileTest, IsRefusedWhereLinksLeadRoundInACircle) {
+  fs::create_symlink("b.xml", path("a.xml"));
+  fs::create_symlink("a.xml", path("b.xml"));
+  fs::create_symlink("self", path("self"));
+  for (const char* name : {"a.xml", "self", "self/a.xml"}) {
+    expectError(ExitCode::kRunFailed,
+                AllOf(HasSubstr(path(name)), HasSubstr("Too many levels of symbolic links"),
+                      HasSubstr("nothing was changed")),
+                [&] { const DocumentFile file(path(name)); });
+  }
+  EXPECT_EQ(fs::read_symlink(path("a.xml")), "b.xml");
+  EXPECT_THAT(names(), ElementsAre("a.xml", "b.xml", "self"));
 }
 
 TEST_F(DocumentFileTest, StaysAsItWasWhenTheDiskRunsFull) {
