@@ -17,7 +17,7 @@ std::optional<DocumentFile> fileAt(const std::optional<std::string>& path, const
                                    const std::string& input) {
   if (!path) return std::nullopt;
   DocumentFile file(*path);
-  if (input != "-" && file.isSameAs(input)) {
+  if (input == "-" ? file.isStandardInput() : file.isSameAs(input)) {
     throw CliError(ExitCode::kUsage, fmt::format("{} {}: is the basket file; give the document another name",
                                                  option, printable(*path)));
   }

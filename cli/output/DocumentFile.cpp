@@ -56,17 +56,25 @@ std::string randomDigits() {
 
 #if defined(_WIN32)
 bool mayReplace(const fs::path&) { return true; }
-bool isStandardOutput(const fs::path&) { return false; }
+constexpr int kInput = 0;
+constexpr int kOutput = 1;
+constexpr int kErrors = 2;
+bool isOpenAs(int, const fs::path&) { return false; }
 #else
 // The folder alone decides about renaming; a file that is protected from writing is not to be replaced
 // either.
 bool mayReplace(const fs::path& file) { return ::faccessat(AT_FDCWD, file.c_str(), W_OK, AT_EACCESS) == 0; }
 
-bool isStandardOutput(const fs::path& file) {
+constexpr int kInput = STDIN_FILENO;
+constexpr int kOutput = STDOUT_FILENO;
+constexpr int kErrors = STDERR_FILENO;
+
+// Whether the descriptor is open on the file, whatever name it was opened by.
+bool isOpenAs(int descriptor, const fs::path& file) {
   struct stat there {};
-  struct stat standard {};
-  return ::stat(file.c_str(), &there) == 0 && ::fstat(STDOUT_FILENO, &standard) == 0 &&
-         there.st_dev == standard.st_dev && there.st_ino == standard.st_ino;
+  struct stat open {};
+  return ::stat(file.c_str(), &there) == 0 && ::fstat(descriptor, &open) == 0 &&
+         there.st_dev == open.st_dev && there.st_ino == open.st_ino;
 }
 #endif
 
@@ -123,9 +131,10 @@ DocumentFile::DocumentFile(const std::string& path) : name_(printable(path)) {
   if (direct_) return;
   if (target_.filename().empty()) fail(ENOENT);
   if (fs::exists(there)) {
-    if (isStandardOutput(target_)) {
+    for (const auto& [descriptor, what] : {std::pair(kOutput, "output"), std::pair(kErrors, "error")}) {
+      if (!isOpenAs(descriptor, target_)) continue;
       throw CliError(ExitCode::kUsage,
-                     name_ + ": is where standard output goes; give the document another file");
+                     name_ + ": is where standard " + what + " goes; give the document another file");
     }
     if (!mayReplace(target_)) fail(EACCES);
   }
@@ -145,6 +154,8 @@ bool DocumentFile::isSameAs(const fs::path& path) const {
   const fs::path there = fs::weakly_canonical(path, error);
   return !error && here == there;
 }
+
+bool DocumentFile::isStandardInput() const { return !direct_ && isOpenAs(kInput, target_); }
 
 void DocumentFile::replaceTarget(const Writer& writer) const {
   NewFile file(target_);

@@ -34,6 +34,8 @@ class DocumentFile {
   // Whether the two, or a path, mean the same existing file, or the same place for one.
   bool isSameAs(const DocumentFile& other) const { return isSameAs(other.target_); }
   bool isSameAs(const std::filesystem::path& path) const;
+  // Whether it is a file to replace, and standard input reads from it.
+  bool isStandardInput() const;
 
  private:
   void replaceTarget(const Writer& writer) const;

@@ -1,5 +1,6 @@
 // The documents that the tool writes, and what it leaves when it cannot.
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -158,6 +159,38 @@ TEST_F(Documents, AreNotWrittenOverTheBaskets) {
   EXPECT_EQ(folder_.contents("baskets"), kBaskets);
 }
 
+// Whatever it is called: standard input is the same file under any of its names.
+TEST_F(Documents, AreNotWrittenOverTheBasketsOnStandardInput) {
+  fs::create_symlink("baskets", path("link"));
+  fs::create_hard_link(path("baskets"), path("hard"));
+  const int baskets = ::open(path("baskets").c_str(), O_RDONLY | O_CLOEXEC);
+  ASSERT_GE(baskets, 0);
+  ToolSetting setting;
+  setting.descriptors = {{STDIN_FILENO, baskets}};
+  for (const char* option : {"--pmml", "--lattice"}) {
+    for (const char* name : {"baskets", "link", "hard"}) {
+      const ToolRun run = runKorassoc({"mine", "-", "-s", "1n", "-c", "50%", option, path(name)}, setting);
+      expectFailure(run, 2, HasSubstr(path(name) + ": is the basket file"));
+    }
+  }
+  EXPECT_EQ(runKorassoc({"mine", "-", "-s", "1n", "-c", "50%", "--pmml", path("rules")}, setting).exitCode,
+            0);
+  ::close(baskets);
+  EXPECT_EQ(folder_.contents("baskets"), kBaskets);
+  EXPECT_THAT(folder_.names(), ElementsAre("baskets", "hard", "link", "rules"));
+}
+
+// A device is written to and not replaced, so it may well be both.
+TEST_F(Documents, MayGoToTheDeviceThatTheBasketsComeFrom) {
+  const int device = ::open("/dev/zero", O_RDWR | O_CLOEXEC);
+  ASSERT_GE(device, 0);
+  ToolSetting setting;
+  setting.descriptors = {{STDIN_FILENO, device}};
+  const ToolRun run = runKorassoc({"mine", "-", "-s", "1n", "-c", "50%", "--pmml", "/dev/zero"}, setting);
+  ::close(device);
+  expectFailure(run, 3, HasSubstr("standard input"));  // it has no baskets, to be sure
+}
+
 TEST_F(Documents, AreNotWrittenOverEachOther) {
   expectFailure(mine({"--pmml", path("out.xml"), "--lattice", path("./out.xml")}), 2,
                 HasSubstr("is the file of --pmml"));
@@ -174,6 +207,17 @@ TEST_F(Documents, AreNotWrittenOverStandardOutput) {
   EXPECT_EQ(run.exitCode, 2);
   EXPECT_THAT(run.err, HasSubstr("is where standard output goes"));
   EXPECT_THAT(folder_.contents("out"), IsEmpty());
+}
+
+TEST_F(Documents, AreNotWrittenOverStandardError) {
+  folder_.store("log", "");
+  const int log = ::open(path("log").c_str(), O_WRONLY | O_CLOEXEC);
+  ASSERT_GE(log, 0);
+  ToolSetting setting;
+  setting.descriptors = {{STDERR_FILENO, log}};
+  EXPECT_EQ(mine({"--pmml", path("log")}, setting).exitCode, 2);
+  ::close(log);
+  EXPECT_THAT(folder_.contents("log"), HasSubstr("is where standard error goes"));
 }
 
 }  // namespace
