@@ -2,34 +2,124 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <limits>
 #include <random>
 #include <utility>
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #if defined(_WIN32)
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+// The others need it.
+#include <aclapi.h>
+#include <fcntl.h>
 #include <io.h>
-#include <share.h>
 #include <stdio.h>
 #else
+#include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 #endif
 
 namespace korassoc::detail {
 namespace {
 
+enum class Lock { kMine, kTaken, kNone };  // kNone: the file system has no locks
+
 #if defined(_WIN32)
 
 using Offset = long long;
-constexpr int kShared = _O_RDWR | _O_CREAT | _O_BINARY | _O_NOINHERIT;
-constexpr int kExclusive = _O_EXCL;
 
-int openFile(const char* name, int flags) {
-  int descriptor = -1;
-  return _sopen_s(&descriptor, name, flags, _SH_DENYNO, _S_IREAD | _S_IWRITE) == 0 ? descriptor : -1;
+// Files are opened without following links. Everybody may read and write them meanwhile.
+HANDLE openHandle(const char* name, DWORD disposition, DWORD moreAccess, DWORD flags) {
+  const DWORD share = FILE_SHARE_READ | FILE_SHARE_WRITE | (moreAccess == DELETE ? FILE_SHARE_DELETE : 0);
+  return CreateFileA(name, GENERIC_READ | GENERIC_WRITE | moreAccess, share, nullptr, disposition,
+                     FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT | flags, nullptr);
 }
+
+// The lock lies on one byte far behind every end, so that it is in nobody's way.
+Lock lock(HANDLE file) {
+  OVERLAPPED place{};
+  place.OffsetHigh = 0x40000000;
+  if (LockFileEx(file, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &place) != 0)
+    return Lock::kMine;
+  return GetLastError() == ERROR_LOCK_VIOLATION ? Lock::kTaken : Lock::kNone;
+}
+
+// Whether the token names this owner as its user, or as the owner of what the user makes (for those who act
+// as administrators it is the group of them).
+bool tokenNames(HANDLE token, TOKEN_INFORMATION_CLASS whom, PSID owner) {
+  alignas(TOKEN_USER) char answer[sizeof(TOKEN_USER) + SECURITY_MAX_SID_SIZE];
+  DWORD length = 0;
+  if (GetTokenInformation(token, whom, answer, sizeof answer, &length) == 0) return false;
+  PSID named = nullptr;
+  std::memcpy(&named, answer, sizeof named);  // the first member of what either question is answered with
+  return EqualSid(named, owner) != 0;
+}
+
+bool belongsToUser(HANDLE file) {
+  PSID owner = nullptr;
+  PSECURITY_DESCRIPTOR holder = nullptr;
+  if (GetSecurityInfo(file, SE_FILE_OBJECT, OWNER_SECURITY_INFORMATION, &owner, nullptr, nullptr, nullptr,
+                      &holder) != ERROR_SUCCESS) {
+    return false;
+  }
+  HANDLE token = nullptr;
+  bool same = false;
+  if (OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token) != 0) {
+    same = tokenNames(token, TokenUser, owner) || tokenNames(token, TokenOwner, owner);
+    CloseHandle(token);
+  }
+  LocalFree(holder);
+  return same;
+}
+
+bool isOwn(HANDLE file) {
+  BY_HANDLE_FILE_INFORMATION status{};
+  constexpr DWORD kOthers = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DEVICE;
+  return GetFileInformationByHandle(file, &status) != 0 && (status.dwFileAttributes & kOthers) == 0 &&
+         status.nNumberOfLinks == 1 && belongsToUser(file);
+}
+
+// The descriptor of a handle that is good, else -1.
+int descriptorOf(HANDLE file, bool good) {
+  if (file == INVALID_HANDLE_VALUE) return -1;
+  const int descriptor =
+      good ? _open_osfhandle(reinterpret_cast<std::intptr_t>(file), _O_RDWR | _O_BINARY) : -1;
+  if (descriptor < 0) CloseHandle(file);
+  return descriptor;
+}
+
+HANDLE makeHandle(const char* name, DWORD moreAccess, DWORD flags) {
+  const HANDLE file = openHandle(name, CREATE_NEW, moreAccess, flags);
+  errno = file == INVALID_HANDLE_VALUE && GetLastError() == ERROR_FILE_EXISTS ? EEXIST : 0;
+  return file;
+}
+
+// The system removes it when its last handle is closed, also that of a process that is ended.
+int openTemporary(const char* name) {
+  const HANDLE file = makeHandle(name, DELETE, FILE_FLAG_DELETE_ON_CLOSE);
+  return descriptorOf(file, true);
+}
+int openNew(const char* name) {
+  const HANDLE file = makeHandle(name, 0, 0);
+  if (file == INVALID_HANDLE_VALUE) return -1;
+  return descriptorOf(file, GetFileType(file) == FILE_TYPE_DISK && lock(file) != Lock::kTaken);
+}
+int openOwn(const char* name) {
+  const HANDLE file = openHandle(name, OPEN_EXISTING, 0, 0);
+  if (file == INVALID_HANDLE_VALUE) return -1;
+  return descriptorOf(file, GetFileType(file) == FILE_TYPE_DISK && isOwn(file) && lock(file) == Lock::kMine);
+}
+
+long long sizeOf(int descriptor) { return _filelengthi64(descriptor); }
 long long readAt(int descriptor, std::uint64_t offset, char* bytes, std::size_t size) {
   if (_lseeki64(descriptor, static_cast<Offset>(offset), SEEK_SET) < 0) return -1;
   return _read(descriptor, bytes, static_cast<unsigned int>(size));
@@ -41,6 +131,7 @@ long long writeAt(int descriptor, std::uint64_t offset, const char* bytes, std::
 bool setSize(int descriptor, std::uint64_t size) {
   return _chsize_s(descriptor, static_cast<Offset>(size)) == 0;
 }
+void closeOnly(int descriptor) { _close(descriptor); }
 void closeAndRemove(int descriptor, const char* name) {
   _close(descriptor);  // an open file cannot be removed here, nor can its name come to mean another one
   std::remove(name);
@@ -50,15 +141,71 @@ void closeAndRemove(int descriptor, const char* name) {
 
 using Offset = off_t;
 // Opening a pipe or a device by mistake neither waits nor makes it the controlling terminal.
-constexpr int kShared = O_RDWR | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
-constexpr int kExclusive = O_EXCL;
+constexpr int kExisting = O_RDWR | O_CLOEXEC | O_NOCTTY | O_NONBLOCK | O_NOFOLLOW;
+constexpr int kNew = kExisting | O_CREAT | O_EXCL;
 
 int openFile(const char* name, int flags) {
   int descriptor = -1;
   do {
     descriptor = ::open(name, flags, S_IRUSR | S_IWUSR);
   } while (descriptor < 0 && errno == EINTR);
+  if (descriptor < 0 || descriptor > STDERR_FILENO) return descriptor;
+  // A program without standard streams: what it prints must not go into this file.
+  const int higher = ::fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  ::close(descriptor);
+  return higher;
+}
+
+// The lock belongs to the opened file, so it tells two objects of one process apart as well.
+Lock lock(int descriptor) {
+  int result = -1;
+  do {
+    result = ::flock(descriptor, LOCK_EX | LOCK_NB);
+  } while (result != 0 && errno == EINTR);
+  if (result == 0) return Lock::kMine;
+  return errno == EWOULDBLOCK ? Lock::kTaken : Lock::kNone;
+}
+
+bool isOwn(const struct stat& status) {
+  return S_ISREG(status.st_mode) && status.st_uid == ::geteuid() && status.st_nlink == 1;
+}
+
+// Whether the name leads to the open file itself.
+bool isNameOf(const char* name, int descriptor) {
+  struct stat open {};
+  struct stat named {};
+  return ::fstat(descriptor, &open) == 0 && ::lstat(name, &named) == 0 && S_ISREG(open.st_mode) &&
+         open.st_dev == named.st_dev && open.st_ino == named.st_ino;
+}
+
+int openTemporary(const char* name) {
+  const int descriptor = openFile(name, kNew);
+  if (descriptor >= 0) ::unlink(name);
   return descriptor;
+}
+int openNew(const char* name) {
+  const int descriptor = openFile(name, kNew);
+  if (descriptor < 0 || lock(descriptor) != Lock::kTaken) return descriptor;
+  ::close(descriptor);  // somebody has met the new file, empty as it was, and uses it now
+  return -1;
+}
+int openOwn(const char* name) {
+  struct stat status {};
+  if (::lstat(name, &status) != 0 || !isOwn(status)) return -1;
+  const int descriptor = openFile(name, kExisting);
+  if (descriptor < 0) return -1;
+  // Both again with the lock: until then its former user may have removed it.
+  if (lock(descriptor) == Lock::kMine && ::fstat(descriptor, &status) == 0 && isOwn(status) &&
+      isNameOf(name, descriptor)) {
+    return descriptor;
+  }
+  ::close(descriptor);
+  return -1;
+}
+
+long long sizeOf(int descriptor) {
+  struct stat status {};
+  return ::fstat(descriptor, &status) == 0 ? static_cast<long long>(status.st_size) : -1;
 }
 long long readAt(int descriptor, std::uint64_t offset, char* bytes, std::size_t size) {
   return ::pread(descriptor, bytes, size, static_cast<Offset>(offset));
@@ -73,13 +220,9 @@ bool setSize(int descriptor, std::uint64_t size) {
   } while (result != 0 && errno == EINTR);
   return result == 0;
 }
+void closeOnly(int descriptor) { ::close(descriptor); }
 void closeAndRemove(int descriptor, const char* name) {
-  struct stat open {};
-  struct stat named {};
-  if (::fstat(descriptor, &open) == 0 && ::stat(name, &named) == 0 && S_ISREG(open.st_mode) &&
-      open.st_dev == named.st_dev && open.st_ino == named.st_ino) {
-    ::unlink(name);
-  }
+  if (isNameOf(name, descriptor)) ::unlink(name);
   ::close(descriptor);
 }
 
@@ -110,9 +253,9 @@ std::string randomDigits() {
 
 }  // namespace
 
-std::unique_ptr<PlatformFile> PlatformFile::open(std::string name, int flags) {
-  std::unique_ptr<PlatformFile> file(new PlatformFile(-1, std::move(name)));
-  file->descriptor_ = openFile(file->name_.c_str(), flags);
+std::unique_ptr<PlatformFile> PlatformFile::open(std::string name, Open openIt) {
+  std::unique_ptr<PlatformFile> file(new PlatformFile(std::move(name)));
+  file->descriptor_ = openIt(file->name_.c_str());
   return file->descriptor_ >= 0 ? std::move(file) : nullptr;
 }
 
@@ -124,21 +267,39 @@ std::unique_ptr<PlatformFile> PlatformFile::createTemporary(std::string_view nam
   for (int attempt = 0; attempt < 8; ++attempt) {
     const std::string digits = randomDigits();
     if (digits.empty()) return nullptr;
-    auto file = open((directory / (std::string(namePrefix) + digits)).string(), kShared | kExclusive);
+    auto file = open((directory / (std::string(namePrefix) + digits)).string(), openTemporary);
     if (file != nullptr || errno != EEXIST) return file;
   }
   return nullptr;
 }
 
 std::unique_ptr<PlatformFile> PlatformFile::createNamed(const std::string& name) {
-  auto file = open(name, kShared);
-  // Where emptying fails the thing has no size (a device, a pipe): writing to it will tell.
-  if (file != nullptr) static_cast<void>(file->resize(0));
+  return open(name, openNew);
+}
+
+std::unique_ptr<PlatformFile> PlatformFile::openLeftover(const std::string& name) {
+  auto file = open(name, openOwn);
+  if (file != nullptr) file->isRemovedAtEnd_ = false;
   return file;
 }
 
 PlatformFile::~PlatformFile() {
-  if (descriptor_ >= 0) closeAndRemove(descriptor_, name_.c_str());
+  if (descriptor_ < 0) return;
+  if (isRemovedAtEnd_) {
+    closeAndRemove(descriptor_, name_.c_str());
+  } else {
+    closeOnly(descriptor_);
+  }
+}
+
+bool PlatformFile::takeOver() {
+  if (!resize(0)) return false;
+  isRemovedAtEnd_ = true;
+  return true;
+}
+
+std::uint64_t PlatformFile::size() const {
+  return static_cast<std::uint64_t>(std::max(sizeOf(descriptor_), 0LL));
 }
 
 std::size_t PlatformFile::read(std::uint64_t offset, char* bytes, std::size_t size) {

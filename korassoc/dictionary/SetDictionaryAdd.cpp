@@ -265,6 +265,7 @@ void SetDictionary::queueUnlink(ItemSet* set) { smallQueue_.unlink(set); }
 
 void SetDictionary::createSpillStore() {
   const char* name = settings_->HasSpillFileName() ? settings_->GetSpillFileName() : "";
+  spillStore_.reset();  // lets go of its file, which may be the new one's
   spillStore_ = std::make_unique<SpillStore>(this, name, maxLevel_, kSpillLevel);
 }
 

@@ -18,6 +18,7 @@ constexpr char kOccupied = 1;
 constexpr char kDeleted = 2;
 
 // Within the file, and within a slot.
+constexpr std::size_t kSlots = SpillStore::kSlotCount;
 constexpr std::int64_t kFirstSlot = 8;
 constexpr std::size_t kHashAt = 1;
 constexpr std::size_t kItemsAt = 5;
@@ -25,12 +26,45 @@ constexpr std::size_t kItemsAt = 5;
 // Slots are read in blocks of at most this many bytes (but at least one slot).
 constexpr std::size_t kBlockBytes = 8192;
 
+// A file that another process has left is looked through in pieces of this many bytes.
+constexpr std::size_t kReadAtOnce = 262144;
+
+std::uint64_t fileSizeOf(std::size_t slotSize) {
+  return std::uint64_t{kFirstSlot} + std::uint64_t{kSlots} * slotSize;
+}
+
 std::size_t slotSizeOf(int level) { return 4 * static_cast<std::size_t>(std::max(level, 0)) + 9; }
+
+bool isStateByte(char byte) { return byte == kEmpty || byte == kOccupied || byte == kDeleted; }
 
 int intAt(const char* bytes) {
   int value = 0;
   std::memcpy(&value, bytes, sizeof value);
   return value;
+}
+
+// Whether a store of this level, in a process that was ended, can have left the file behind: only the size
+// and the state bytes are sure to be right then.
+bool isLeftover(SpillFile& file, int level) {
+  const std::size_t slotSize = slotSizeOf(level);
+  if (file.size() != fileSizeOf(slotSize)) return false;
+  const std::size_t slots = std::max<std::size_t>(1, kReadAtOnce / slotSize);
+  std::vector<char> bytes(slots * slotSize);
+  for (std::size_t slot = 0; slot < kSlots; slot += slots) {
+    const std::size_t size = std::min(slots, kSlots - slot) * slotSize;
+    if (file.read(kFirstSlot + slot * slotSize, bytes.data(), size) != size) return false;
+    for (std::size_t at = 0; at < size; at += slotSize) {
+      if (!isStateByte(bytes[at])) return false;
+    }
+  }
+  return true;
+}
+
+// Opens the store's file; null for a level that no set has.
+std::unique_ptr<SpillFile> openFor(int level, const char* fileName) {
+  if (level < 0) return nullptr;
+  return korassoc::detail::openSpillFile(fileName,
+                                         [level](SpillFile& file) { return isLeftover(file, level); });
 }
 
 void putInt(char* bytes, int value) { std::memcpy(bytes, &value, sizeof value); }
@@ -43,7 +77,7 @@ void putInt(char* bytes, int value) { std::memcpy(bytes, &value, sizeof value); 
 }  // namespace
 
 SpillStore::SpillStore(SetDictionary* owner, const char* fileName, int maxLevel, int level)
-    : SpillStore(owner, level >= 0 ? korassoc::detail::openSpillFile(fileName) : nullptr, maxLevel, level) {
+    : SpillStore(owner, openFor(level, fileName), maxLevel, level) {
   if (fileName_.empty() && fileName != nullptr) fileName_ = fileName;
 }
 
@@ -67,13 +101,12 @@ SpillStore::SpillStore(SetDictionary* owner, std::unique_ptr<SpillFile> file, in
 
 SpillStore::~SpillStore() = default;
 
-// Writes the header and gives the file its final length. The slots are left to the file system, which makes
-// them read as zeros: empty.
+// Gives the file its final length and writes the header. The slots are left to the file system, which makes
+// them read as zeros: empty. In this order a file that is left behind has a size by which it is known.
 bool SpillStore::layOut() {
   char header[kFirstSlot] = {};
   putInt(header, level_ + 1);
-  return file_->write(0, header, sizeof header) &&
-         file_->resize(static_cast<std::uint64_t>(offsetOf(static_cast<std::uint32_t>(kSlotCount))));
+  return file_->resize(fileSizeOf(slotSize_)) && file_->write(0, header, sizeof header);
 }
 
 std::int64_t SpillStore::offsetOf(std::uint32_t position) const {
@@ -215,7 +248,7 @@ void SpillStore::search(const ItemSet& set) {
       set.display();
       throw new IOException;
     }
-    if (*slot != kEmpty && *slot != kOccupied && *slot != kDeleted) {
+    if (!isStateByte(*slot)) {
       lastResult_ = kUnreadable;
       refuseState(*slot);
     }

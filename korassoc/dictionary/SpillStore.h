@@ -57,8 +57,10 @@ class KORASSOC_EXPORT SpillStore {
   };
 
   // Makes the file. A null or empty name stands for a new file of the current user's own in the temporary
-  // directory; a named file is emptied first. owner takes the sets back in reduce() and must outlive the
-  // store; maxLevel is the owner's largest set size.
+  // directory that nobody else can reach. A name must be free, or lead to a regular file of the current
+  // user's that is empty or that a store of this level has left behind and none has open: it is used then.
+  // Anything else of that name is left as it is, and the store has no file. owner takes the sets back in
+  // reduce() and must outlive the store; maxLevel is the owner's largest set size.
   SpillStore(SetDictionary* owner, const char* fileName, int maxLevel, int level);
   // The same on a file layer of the caller's; null stands for one that could not be opened.
   SpillStore(SetDictionary* owner, std::unique_ptr<korassoc::detail::SpillFile> file, int maxLevel,
@@ -98,7 +100,8 @@ class KORASSOC_EXPORT SpillStore {
   int maxLevel() const { return maxLevel_; }
   int slotCount() const { return kSlotCount; }
   int slotSize() const { return static_cast<int>(slotSize_); }  // bytes
-  // The file's path, given or made up; empty when no file could be made up.
+  // The file's path, given or made up; empty when no file could be made up. A file without a given name may
+  // not be found there.
   const std::string& fileName() const { return fileName_; }
   // How many sets add() was asked to write, less those that reduce() dealt with, and the running mean of
   // their counts. Removal is taken out of the mean by a formula of its own (see noteRemoved).

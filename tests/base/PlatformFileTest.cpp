@@ -7,10 +7,13 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <system_error>
 
 #include "tests/support/TemporaryFile.h"
 #if !defined(_WIN32)
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 #endif
 
 namespace korassoc::detail {
@@ -51,21 +54,97 @@ TEST(PlatformFile, RefusesOffsetsAndSizesThatNoFileHas) {
   EXPECT_FALSE(file->resize(far));
 }
 
-TEST(PlatformFile, EmptiesTheNamedFileAndRemovesItAtTheEnd) {
-  const TemporaryFile temporary("old contents");
+TEST(PlatformFile, MakesTheNamedFileAndRemovesItAtTheEnd) {
+  const TemporaryFile temporary;
   auto file = PlatformFile::createNamed(temporary.name());
   ASSERT_NE(file, nullptr);
   EXPECT_EQ(file->name(), temporary.name());
   EXPECT_EQ(std::filesystem::file_size(temporary.name()), 0U);
+  EXPECT_EQ(file->size(), 0U);
+  EXPECT_TRUE(file->resize(12));
+  EXPECT_EQ(file->size(), 12U);
   file.reset();
   EXPECT_FALSE(std::filesystem::exists(temporary.name()));
 }
 
+TEST(PlatformFile, DoesNotMakeAFileThatExists) {
+  for (const char* contents : {"", "old contents"}) {
+    const TemporaryFile temporary(contents);
+    EXPECT_EQ(PlatformFile::createNamed(temporary.name()), nullptr);
+    EXPECT_EQ(temporary.contents(), contents);
+  }
+}
+
 TEST(PlatformFile, IsNullWhereNoFileCanBeOpened) {
   const TemporaryFile temporary;
-  EXPECT_EQ(PlatformFile::createNamed(temporary.name() + "/below/nothing"), nullptr);
-  EXPECT_EQ(PlatformFile::createNamed(std::filesystem::temp_directory_path().string()), nullptr);
-  EXPECT_EQ(PlatformFile::createNamed(""), nullptr);
+  for (const std::string& name : {temporary.name() + "/below/nothing",
+                                  std::filesystem::temp_directory_path().string(), std::string()}) {
+    EXPECT_EQ(PlatformFile::createNamed(name), nullptr) << name;
+    EXPECT_EQ(PlatformFile::openLeftover(name), nullptr) << name;
+  }
+  EXPECT_EQ(PlatformFile::openLeftover(temporary.name()), nullptr);
+  EXPECT_FALSE(std::filesystem::exists(temporary.name()));
+}
+
+TEST(PlatformFile, OpensALeftoverAsItIsAndLetsItStayUnlessItTakesItOver) {
+  const TemporaryFile temporary("old contents");
+  {
+    const auto file = PlatformFile::openLeftover(temporary.name());
+    ASSERT_NE(file, nullptr);
+    EXPECT_EQ(file->size(), 12U);
+    std::array<char, 3> bytes{};
+    EXPECT_EQ(file->read(4, bytes.data(), bytes.size()), 3U);
+    EXPECT_EQ(std::string(bytes.data(), 3), "con");
+  }
+  EXPECT_EQ(temporary.contents(), "old contents");
+  {
+    const auto file = PlatformFile::openLeftover(temporary.name());
+    ASSERT_NE(file, nullptr);
+    EXPECT_TRUE(file->takeOver());
+    EXPECT_EQ(file->size(), 0U);
+    EXPECT_EQ(std::filesystem::file_size(temporary.name()), 0U);
+  }
+  EXPECT_FALSE(std::filesystem::exists(temporary.name()));
+}
+
+TEST(PlatformFile, IsOpenedByOneAtATime) {
+  const TemporaryFile temporary;
+  auto made = PlatformFile::createNamed(temporary.name());
+  ASSERT_NE(made, nullptr);
+  EXPECT_EQ(PlatformFile::openLeftover(temporary.name()), nullptr);
+  EXPECT_TRUE(std::filesystem::exists(temporary.name()));
+  made.reset();
+  temporary.write("left");
+  auto found = PlatformFile::openLeftover(temporary.name());
+  ASSERT_NE(found, nullptr);
+  EXPECT_EQ(PlatformFile::openLeftover(temporary.name()), nullptr);
+  found.reset();
+  EXPECT_NE(PlatformFile::openLeftover(temporary.name()), nullptr);
+}
+
+TEST(PlatformFile, FollowsNoLink) {
+  const TemporaryFile target("mine");
+  const TemporaryFile link;
+  std::error_code failed;
+  std::filesystem::create_symlink(target.name(), link.name(), failed);
+  if (failed) GTEST_SKIP() << "links need a privilege here";
+  EXPECT_EQ(PlatformFile::createNamed(link.name()), nullptr);
+  EXPECT_EQ(PlatformFile::openLeftover(link.name()), nullptr);
+  EXPECT_EQ(target.contents(), "mine");
+  std::filesystem::remove(target.name());
+  EXPECT_EQ(PlatformFile::createNamed(link.name()), nullptr) << "a link to nowhere";
+  EXPECT_FALSE(std::filesystem::exists(target.name()));
+  EXPECT_TRUE(std::filesystem::is_symlink(link.name()));
+}
+
+TEST(PlatformFile, IsNoLeftoverUnderTwoNames) {
+  const TemporaryFile first("mine");
+  const TemporaryFile second;
+  std::filesystem::create_hard_link(first.name(), second.name());
+  EXPECT_EQ(PlatformFile::openLeftover(first.name()), nullptr);
+  EXPECT_EQ(PlatformFile::openLeftover(second.name()), nullptr);
+  std::filesystem::remove(first.name());
+  EXPECT_NE(PlatformFile::openLeftover(second.name()), nullptr);
 }
 
 TEST(PlatformFile, MakesADifferentTemporaryFileEachTime) {
@@ -75,10 +154,22 @@ TEST(PlatformFile, MakesADifferentTemporaryFileEachTime) {
   ASSERT_NE(second, nullptr);
   EXPECT_NE(first->name(), second->name());
   EXPECT_TRUE(first->write(0, "1", 1));
-  EXPECT_EQ(std::filesystem::file_size(second->name()), 0U);
+  EXPECT_EQ(first->size(), 1U);
+  EXPECT_EQ(second->size(), 0U);
 }
 
 #if !defined(_WIN32)
+
+// The open file of this process that has that name, or had it.
+std::string openPath(const std::string& name) {
+  for (const auto& entry : std::filesystem::directory_iterator("/dev/fd")) {
+    std::error_code ignored;
+    if (std::filesystem::read_symlink(entry.path(), ignored).string().starts_with(name)) {
+      return entry.path().string();
+    }
+  }
+  return "";
+}
 
 TEST(PlatformFile, IsTheCurrentUsersAlone) {
   const TemporaryFile temporary;
@@ -86,12 +177,58 @@ TEST(PlatformFile, IsTheCurrentUsersAlone) {
   const auto made = PlatformFile::createTemporary("korassoc-test-");
   const auto named = PlatformFile::createNamed(temporary.name());
   umask(before);
-  for (const auto* file : {&made, &named}) {
-    ASSERT_NE(*file, nullptr);
+  ASSERT_NE(made, nullptr);
+  ASSERT_NE(named, nullptr);
+  for (const std::string& path : {openPath(made->name()), named->name()}) {
+    if (path.empty()) GTEST_SKIP() << "open files cannot be looked at here";
     struct stat status {};
-    ASSERT_EQ(stat((*file)->name().c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 07777U, 0600U);
+    ASSERT_EQ(stat(path.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777U, 0600U) << path;
   }
+}
+
+TEST(PlatformFile, IsOutOfReachOnceItIsOpenWithoutAName) {
+  const auto file = PlatformFile::createTemporary("korassoc-test-");
+  ASSERT_NE(file, nullptr);
+  EXPECT_FALSE(std::filesystem::exists(file->name()));
+  EXPECT_TRUE(file->write(0, "abc", 3));
+  std::array<char, 3> bytes{};
+  EXPECT_EQ(file->read(0, bytes.data(), bytes.size()), 3U);
+}
+
+TEST(PlatformFile, OpensNoPipeAndNoDevice) {
+  const TemporaryFile pipe;
+  ASSERT_EQ(mkfifo(pipe.name().c_str(), 0600), 0);
+  for (const std::string& name : {pipe.name(), std::string("/dev/null")}) {
+    EXPECT_EQ(PlatformFile::createNamed(name), nullptr) << name;
+    EXPECT_EQ(PlatformFile::openLeftover(name), nullptr) << name;
+    EXPECT_TRUE(std::filesystem::exists(name)) << name;
+  }
+}
+
+TEST(PlatformFile, OpensNoLeftoverOfAnotherUser) {
+  const TemporaryFile temporary;
+  temporary.write("");
+  if (chown(temporary.name().c_str(), 12345, static_cast<gid_t>(-1)) != 0) {
+    GTEST_SKIP() << "only root gives files away";
+  }
+  EXPECT_EQ(PlatformFile::openLeftover(temporary.name()), nullptr);
+}
+
+// What the program prints must not go into the file.
+TEST(PlatformFile, IsNoStandardStreamOfAProgramWithoutThem) {
+  const TemporaryFile temporary;
+  const int saved = dup(STDIN_FILENO);
+  close(STDIN_FILENO);
+  const auto file = PlatformFile::createNamed(temporary.name());
+  EXPECT_EQ(fcntl(STDIN_FILENO, F_GETFD), -1);
+  if (saved >= 0) {
+    dup2(saved, STDIN_FILENO);
+    close(saved);
+  }
+  ASSERT_NE(file, nullptr);
+  EXPECT_TRUE(file->write(0, "abc", 3));
+  EXPECT_EQ(temporary.contents(), "abc");
 }
 
 TEST(PlatformFile, LeavesAFileThatTookItsNameAlone) {

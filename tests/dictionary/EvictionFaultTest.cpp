@@ -275,6 +275,33 @@ TEST_F(EvictionFault, AnUnwritableDirectoryRefusesWithOneAndLosesNothing) {
   EXPECT_EQ(dictionary_->removeSmallSets(2.0), 1);
 }
 
+TEST_F(EvictionFault, AnotherSpillStoreTakesTheFileOfTheFormer) {
+  make(2, 2, true);
+  add({1});
+  add({2});  // {1} goes to the disk
+  dictionary_->createSpillStore();
+  EXPECT_TRUE(dictionary_->spillStore()->isOpen());
+  EXPECT_EQ(dictionary_->spillStore()->size(), 0);
+  EXPECT_EQ(add({3}), 0);
+  EXPECT_THAT(disk(), UnorderedElementsAre(Pair(Items{2}, 1)));
+}
+
+TEST_F(EvictionFault, ANameThatIsInUseRefusesWithOneAndLosesNothing) {
+  make(2, 2, true);
+  add({1});
+  add({2});  // {1} goes to the disk
+  SetDictionary other(4, &settings_, true);
+  other.addEmptySet(new CarmaSetDescriptor(0, 0, 0));
+  const int item = 8;
+  ASSERT_EQ(other.addSet(&item, 1, new CarmaSetDescriptor(5, 9, 0)), 0);
+  CarmaSetDescriptor refused(1, 9, 0);
+  const int another = 9;
+  EXPECT_EQ(other.addSet(&another, 1, &refused), 1);
+  EXPECT_EQ(other.getCount(8), 5);
+  EXPECT_THAT(disk(), UnorderedElementsAre(Pair(Items{1}, 1)));
+  EXPECT_EQ(increment({1}), 2);
+}
+
 #if defined(__linux__)
 
 TEST_F(EvictionFault, AFullDiskRefusesWithFourAndLosesNothing) {
@@ -325,7 +352,7 @@ TEST_F(EvictionFault, LeavesNoFileBehindOnAnyWayOut) {
     }
     return names;
   };
-  settings_ = DictionarySettings();  // no spill file is named
+  settings_ = DictionarySettings();
   settings_.SetMaxInStoreSets(2);
   settings_.SetLeaveInMainStoreCount(5);
   settings_.SetDiskSpill(true);
@@ -341,17 +368,25 @@ TEST_F(EvictionFault, LeavesNoFileBehindOnAnyWayOut) {
          }
        }}};
   const StreamCapture quiet(std::cout);
-  for (const auto& [name, leave] : waysOut) {
-    dictionary_ = std::make_unique<SetDictionary>(4, &settings_, true);
-    dictionary_->addEmptySet(new CarmaSetDescriptor(0, 0, 0));
-    add({1});
-    add({2});
-    ASSERT_THAT(files(), ElementsAre(dictionary_->spillStore()->fileName())) << name;
-    const auto permissions = std::filesystem::status(files()[0]).permissions();
-    EXPECT_EQ(permissions, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
-    leave();
-    dictionary_.reset();
-    EXPECT_THAT(files(), IsEmpty()) << name;
+  const std::string named = file_.name() + "/named";
+  for (const bool isNamed : {false, true}) {
+    settings_.SetSpillFileName(isNamed ? named.c_str() : nullptr);
+    for (const auto& [name, leave] : waysOut) {
+      SCOPED_TRACE(std::string(name) + (isNamed ? ", named" : ""));
+      dictionary_ = std::make_unique<SetDictionary>(4, &settings_, true);
+      dictionary_->addEmptySet(new CarmaSetDescriptor(0, 0, 0));
+      add({1});
+      add({2});
+      ASSERT_EQ(dictionary_->setsSpilled(), 1);
+      EXPECT_EQ(files(), isNamed ? std::vector<std::string>{named} : std::vector<std::string>());
+      if (isNamed) {
+        EXPECT_EQ(std::filesystem::status(named).permissions(),
+                  std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+      }
+      leave();
+      dictionary_.reset();
+      EXPECT_THAT(files(), IsEmpty());
+    }
   }
   if (before != nullptr) {
     setenv("TMPDIR", saved.c_str(), 1);

@@ -8,12 +8,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <iostream>
 #include <memory>
 
 #include "korassoc/dictionary/SetDictionary.h"
-#include "korassoc/dictionary/SpillFile.h"
 #include "korassoc/engine/DictionarySettings.h"
 #include "tests/support/Raised.h"
 #include "tests/support/SpillFileReader.h"
@@ -32,7 +30,7 @@ class SpillStoreTest : public ::testing::Test {
   SpillStoreTest() : dictionary_(4, &settings_, true) { open(1); }
 
   void open(int level) {
-    store_.reset();  // before the next one empties the same file
+    store_.reset();  // before the next one takes the same file
     store_ = std::make_unique<SpillStore>(&dictionary_, file_.name().c_str(), 4, level);
   }
   int add(std::vector<int> items, int count) {
@@ -398,87 +396,6 @@ TEST_F(SpillStoreTest, TakesTheLastEmptySlotOfAFullFile) {
   EXPECT_EQ(add(3, 5), 0);  // from slot 21 round to slot 20
   EXPECT_EQ(store_->lastResult(), 8 + 13 * 20);
   EXPECT_EQ(found(3), 5);
-}
-
-TEST(SpillStoreFile, IsRemovedWithTheStore) {
-  const TemporaryFile file;
-  {
-    const SpillStore store(nullptr, file.name().c_str(), 1, 1);
-    EXPECT_TRUE(std::filesystem::exists(file.name()));
-    EXPECT_EQ(store.fileName(), file.name());
-  }
-  EXPECT_FALSE(std::filesystem::exists(file.name()));
-}
-
-TEST(SpillStoreFile, IsRemovedWhenAnExceptionUnwinds) {
-  const TemporaryFile file;
-  try {
-    const SpillStore store(nullptr, file.name().c_str(), 1, 1);
-    throw 1;
-  } catch (int) {
-  }
-  EXPECT_FALSE(std::filesystem::exists(file.name()));
-}
-
-TEST(SpillStoreFile, StartsEmptyWhateverTheNamedFileHeld) {
-  const TemporaryFile file(std::string(20000, 'x'));
-  const SpillStore store(nullptr, file.name().c_str(), 1, 1);
-  const DiskImage image = readSpillFile(file.name(), 1);
-  EXPECT_EQ(image.size, 8U + 737279U * 13U);
-  EXPECT_EQ(image.levelPlusOne, 2);
-  EXPECT_THAT(image.slots, IsEmpty());
-}
-
-TEST(SpillStoreFile, GetsAPrivateNameOfItsOwnWhenNoneIsGiven) {
-  std::string names[2];
-  {
-    const SpillStore first(nullptr, nullptr, 1, 1);
-    const SpillStore second(nullptr, "", 1, 1);
-    names[0] = first.fileName();
-    names[1] = second.fileName();
-    EXPECT_NE(names[0], names[1]);
-    for (const std::string& name : names) {
-      EXPECT_EQ(std::filesystem::path(name).parent_path(), temporaryFolder());
-      EXPECT_EQ(readSpillFile(name, 1).levelPlusOne, 2);
-#if !defined(_WIN32)
-      EXPECT_EQ(std::filesystem::status(name).permissions(),
-                std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
-#endif
-    }
-  }
-  for (const std::string& name : names) EXPECT_FALSE(std::filesystem::exists(name));
-}
-
-TEST(SpillStoreFile, WithoutItTheStoreAnswersAbsent) {
-  const TemporaryFile missing;
-  const std::string cases[] = {missing.name() + "/no/such/directory",
-                               std::filesystem::temp_directory_path().string()};
-  for (const std::string& name : cases) {
-    const StreamCapture out(std::cout);
-    SpillStore store(nullptr, name.c_str(), 1, 1);
-    EXPECT_FALSE(store.isOpen());
-    ItemSet set(3);
-    SetCounter counter(5, 0);
-    EXPECT_EQ(store.add(&set, &counter), 1);
-    EXPECT_FALSE(store.contains(&set));
-    EXPECT_EQ(store.find(&set), nullptr);
-    EXPECT_EQ(store.increment(&set), nullptr);
-    EXPECT_EQ(store.reduce(1, 2.0), 0);
-    EXPECT_EQ(store.size(), 0);
-    EXPECT_EQ(store.writtenCount(), 0);
-    EXPECT_EQ(out.text(), "");
-    EXPECT_EQ(store.fileName(), name);
-  }
-  EXPECT_TRUE(std::filesystem::is_directory(std::filesystem::temp_directory_path()));
-}
-
-TEST(SpillStoreFile, CannotBeMadeForANegativeLevel) {
-  const TemporaryFile file;
-  SpillStore store(nullptr, file.name().c_str(), 1, -3);
-  ItemSet set(3);
-  SetCounter counter(5, 0);
-  EXPECT_EQ(store.add(&set, &counter), 1);
-  EXPECT_FALSE(std::filesystem::exists(file.name()));
 }
 
 }  // namespace
