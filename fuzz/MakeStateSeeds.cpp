@@ -49,7 +49,7 @@ Transactions singleItems() {
 
 void make(const std::string& folder, const Kind& kind) {
   CarmaSettings settings;
-  settings.GetDictionarySettings().SetSpillFileName("korassoc-unnamed-seed");  // counts as no name
+  settings.GetDictionarySettings().SetSpillFileName("korassoc-unnamed-seed");  // in all seeds
   settings.GetDictionarySettings().SetInitialHashtableSet23Size(
       11);  // small tables, for more inputs a second
   settings.GetDictionarySettings().SetInitialBoundarySearchSize(11);
@@ -97,6 +97,15 @@ int main(int count, char** arguments) {
          settings.GetDictionarySettings().SetMaxInStoreSets(3);
          settings.GetDictionarySettings().SetLeaveInMainStoreCount(9);
          settings.GetDictionarySettings().SetDiskSpill(true);
+         settings.SetRemoveSmallFreq(10);
+       },
+       0},
+      {"names-a-spill-file", singleItems(),
+       [](CarmaSettings& settings) {
+         settings.GetDictionarySettings().SetMaxInStoreSets(3);
+         settings.GetDictionarySettings().SetLeaveInMainStoreCount(9);
+         settings.GetDictionarySettings().SetDiskSpill(true);
+         settings.GetDictionarySettings().SetSpillFileName("never-to-be-opened");
          settings.SetRemoveSmallFreq(10);
        },
        0},

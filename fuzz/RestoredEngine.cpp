@@ -164,11 +164,6 @@ void checkBinary(Engine& engine) {
   check(again->NumberOfSets() == engine.NumberOfSets(), "a state lost sets");
 }
 
-// A state can name any spill file. An engine with such a name is not led on, since it would write there.
-bool mayWork(const Engine& engine) {
-  return !CarmaAssociationAlgorithmTestAccess::dictionary(engine)->settings().HasSpillFileName();
-}
-
 // Leads the engine on; how: one of several ways.
 void leadOn(Engine& engine, int how) {
   if (!engine.IsLatticeBuilt()) engine.SetSupportSource(new Third);  // in phase II it would stay ours
@@ -220,10 +215,12 @@ void tryState(const Restore& restore, const std::uint8_t* data, std::size_t size
       return;
     }
     check(engine->GetStatus().IsOK(), "a restored engine is not OK");
+    check(!CarmaAssociationAlgorithmTestAccess::dictionary(*engine)->settings().HasSpillFileName(),
+          "an engine would spill to a file that its state names");
     if (how == 4) {
       ask(*engine);
       checkXml(*engine);
-    } else if (mayWork(*engine)) {
+    } else {
       leadOn(*engine, how);
     }
   }

@@ -19,7 +19,7 @@ using KorAssocXML::ParseValue;
 
 namespace {
 
-// How the name of a made-up file begins. Saved states carry such names, so this is how a reader knows them.
+// How the name of a made-up file begins.
 constexpr std::string_view kMadeUpPrefix = "korassoc-unnamed-";
 
 std::string temporaryDirectory() {
@@ -41,15 +41,6 @@ std::string madeUpName() {
   return temporaryDirectory() + '/' + name;
 }
 
-// Names that no host chose: the library's own, and the presence flag that an XML state stores in the name's
-// place.
-bool isChosenByHost(const std::string& name) {
-  const std::size_t separator = name.find_last_of("/\\");
-  const std::string_view file =
-      std::string_view(name).substr(separator == std::string::npos ? 0 : separator + 1);
-  return !file.starts_with(kMadeUpPrefix) && name != "1" && name != "0";
-}
-
 [[noreturn]] void refuseRecord() {
   std::cout << "Error reading DictionarySettings!\n";
   throw new IOException();
@@ -61,12 +52,12 @@ DictionarySettings::DictionarySettings() : spillFileName_(madeUpName()) {}
 
 void DictionarySettings::SetSpillFileName(const char* name) {
   if (name == spillFileName_.c_str()) return;
-  spillFileNameChosen_ = name != nullptr;
   if (name != nullptr) {
     spillFileName_ = name;
   } else {
     spillFileName_ = madeUpName();
   }
+  hasSpillFileName_ = name != nullptr;
 }
 
 std::uint64_t DictionarySettings::WriteObject(std::fstream& stream) const {
@@ -94,7 +85,7 @@ std::uint64_t DictionarySettings::ReadObject(std::fstream& stream) {
                       &reportFrequency_, &maxInStoreSets_, &leaveInMainStoreCount_})) {
     refuseRecord();
   }
-  spillFileNameChosen_ = isChosenByHost(name);
+  hasSpillFileName_ = false;
   spillFileName_ = std::move(name);
   return record.count();
 }
@@ -123,7 +114,7 @@ std::uint64_t DictionarySettings::ReadObjectXML(std::ifstream& stream) {
   for (int& number : numbers) complete = complete && ParseValue(stream, number);
   if (!complete || !KorAssocXML::ParseEndObj(stream)) refuseRecord();
 
-  spillFileNameChosen_ = isChosenByHost(name);
+  hasSpillFileName_ = false;
   spillFileName_ = std::move(name);
   int* const fields[9] = {
       &numberOfFixedSets_,         &initialSetSize_,   &initialBoundarySize_, &initialBoundarySearchSize_,

@@ -20,13 +20,16 @@ class KORASSOC_EXPORT DictionarySettings {
   // The file that takes itemsets when memory is full. Until a host sets one it is a path that the settings
   // make up themselves, in the temporary directory and new for every object. Setting copies the name; null
   // makes up a new path, and the pointer that GetSpillFileName() gave changes nothing.
+  // Nothing that exists is lost to a name: the file has to be new, or one of the user's own that is empty or
+  // was left behind by a run that was killed; else nothing is spilled. It is removed after its use.
   void SetSpillFileName(const char* name);
   // What GetSpillFileName() gives is valid until the name is set or read anew.
   const char* GetSpillFileName() const { return spillFileName_.c_str(); }
 
-  // Whether the name was chosen by a host. A made-up name counts as none, wherever it was read from: the
-  // spill store then makes a new file of its own, so that engines restored from one state do not share it.
-  bool HasSpillFileName() const { return spillFileNameChosen_; }
+  // Whether a host has set the name, by SetSpillFileName(). Any other name is shown and saved, but never
+  // opened: one that was made up here, and one that was read from a record, which may come from anybody. What
+  // is spilled then goes to a new file of its own.
+  bool HasSpillFileName() const { return hasSpillFileName_; }
 
   // Scratch itemsets kept for look-ups: sets of fewer items are looked up without allocation. Default 10.
   int GetNumberOfFixedSets() const { return numberOfFixedSets_; }
@@ -77,15 +80,15 @@ class KORASSOC_EXPORT DictionarySettings {
   std::uint64_t ReadObject(std::fstream& stream);
 
   // The record of the XML format, an object indented by nestingLevel tabs. In the place of the spill file
-  // name it holds a flag alone, and the text of that flag becomes the name of the settings that read it: 1,
-  // which counts as a name that no host chose. Writing returns 13, its lines, reading 12. Reading throws and
-  // reports as ReadObject does, on any line that is not as it should be.
+  // name it holds a flag alone, and the text of that flag, 1, becomes the name of the settings that read it.
+  // Writing returns 13, its lines, reading 12. Reading throws and reports as ReadObject does, on any line
+  // that is not as it should be.
   std::uint64_t WriteObjectXML(std::ostream& stream, int nestingLevel) const;
   std::uint64_t ReadObjectXML(std::ifstream& stream);
 
  private:
   std::string spillFileName_;
-  bool spillFileNameChosen_ = false;
+  bool hasSpillFileName_ = false;
   int numberOfFixedSets_ = 10;
   int initialSetSize_ = 89;
   int initialBoundarySize_ = 89;

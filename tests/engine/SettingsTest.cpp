@@ -153,17 +153,22 @@ TEST(SpillFileName, GoesIntoACopyOfTheSettings) {
   EXPECT_STREQ(copy.GetSpillFileName(), "mine");
 }
 
-TEST(SpillFileName, IsKnownAsMadeUpAfterItWasSavedAndRead) {
-  const DictionarySettings saved;
-  DictionarySettings settings;
-  settings.SetSpillFileName("mine");
-  readInto(settings, written(saved));
-  EXPECT_STREQ(settings.GetSpillFileName(), saved.GetSpillFileName());
-  EXPECT_FALSE(settings.HasSpillFileName());
-  DictionarySettings chosen;
-  chosen.SetSpillFileName("chosen");
-  readInto(settings, written(chosen));
-  EXPECT_TRUE(settings.HasSpillFileName());
+TEST(SpillFileName, CountsAsSetByNobodyOnceItIsRead) {
+  const DictionarySettings madeUp;
+  DictionarySettings named;
+  named.SetSpillFileName("named");
+  for (const DictionarySettings* saved : {&madeUp, static_cast<const DictionarySettings*>(&named)}) {
+    DictionarySettings settings;
+    settings.SetSpillFileName("mine");
+    readInto(settings, written(*saved));
+    EXPECT_STREQ(settings.GetSpillFileName(), saved->GetSpillFileName());
+    EXPECT_FALSE(settings.HasSpillFileName());
+    settings.SetSpillFileName(settings.GetSpillFileName());
+    EXPECT_FALSE(settings.HasSpillFileName()) << "its own pointer sets nothing";
+    const std::string same = settings.GetSpillFileName();
+    settings.SetSpillFileName(same.c_str());
+    EXPECT_TRUE(settings.HasSpillFileName()) << "now the host has said it";
+  }
 }
 
 TEST(AssociationAlgorithmSettings, HasItsDefaults) {

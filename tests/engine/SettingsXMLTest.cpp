@@ -146,13 +146,14 @@ TEST(SettingsXML, RestoresEveryNumberAndTakesTheFlagForTheName) {
   EXPECT_EQ(written(settings), kRecord);
 }
 
-TEST(SettingsXML, TakesANameWhereARecordHasOne) {
+TEST(SettingsXML, ShowsANameWhereARecordHasOneAsOneThatNobodySet) {
   auto text = lines();
   text[6] = "<String value=\"/tmp/spill\"/>";
   CarmaSettings settings;
+  settings.GetDictionarySettings().SetSpillFileName("mine");
   EXPECT_FALSE(readInto(settings, joined(text)).threw);
   EXPECT_STREQ(settings.GetDictionarySettings().GetSpillFileName(), "/tmp/spill");
-  EXPECT_TRUE(settings.GetDictionarySettings().HasSpillFileName());
+  EXPECT_FALSE(settings.GetDictionarySettings().HasSpillFileName());
 }
 
 TEST(SettingsXML, SaysHowManyLinesTheInnerClassesRead) {
