@@ -18,23 +18,20 @@ void InputOptions::addTo(CLI::App& command) {
       ->required()
       ->type_name("");
   command
-      .add_option("--separator", separator_,
+      .add_option("--separator", separatorText_,
                   "What separates items: comma, semicolon, tab or blanks (default: recognised)")
       ->type_name("NAME");
 }
 
-BasketInput InputOptions::read() const {
-  std::optional<Separator> separator;
-  if (separator_) {
-    separator = separatorFromName(*separator_);
-    if (!separator) {
-      throw CliError(
-          ExitCode::kUsage,
-          fmt::format("--separator {}: is none of comma, semicolon, tab and blanks", labelText(*separator_)));
-    }
-  }
-  return LineReader(separator).read(FileContent::open(file_));
+void InputOptions::check() {
+  if (!separatorText_) return;
+  separator_ = separatorFromName(*separatorText_);
+  if (separator_) return;
+  throw CliError(ExitCode::kUsage, fmt::format("--separator {}: is none of comma, semicolon, tab and blanks",
+                                               labelText(*separatorText_)));
 }
+
+BasketInput InputOptions::read() const { return LineReader(separator_).read(FileContent::open(file_)); }
 
 void InputOptions::report(const BasketInput& input) const {
   note("input         {}: {}\n", file_ == "-" ? "standard input" : printable(file_), input.format);

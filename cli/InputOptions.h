@@ -6,6 +6,7 @@
 #include <string>
 
 #include "cli/input/BasketReader.h"
+#include "cli/input/Separator.h"
 
 namespace CLI {
 class App;
@@ -19,7 +20,10 @@ class InputOptions {
   // The command refers to this object, which must outlive the parsing.
   void addTo(CLI::App& command);
 
-  // Reads the file. Throws CliError (kUsage, kInput).
+  // Reads the texts that were parsed. Throws CliError (kUsage). To be called before all below.
+  void check();
+
+  // Reads the file. Throws CliError (kInput).
   BasketInput read() const;
 
   const std::string& file() const { return file_; }
@@ -29,8 +33,11 @@ class InputOptions {
   void report(const BasketInput& input) const;
 
  private:
+  // As parsed.
   std::string file_;
-  std::optional<std::string> separator_;
+  std::optional<std::string> separatorText_;
+
+  std::optional<Separator> separator_;  // as understood by check()
 };
 
 }  // namespace korassoc::cli

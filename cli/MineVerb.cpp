@@ -26,10 +26,14 @@ void MineVerb::declare(CLI::App& command) {
       "  korassoc mine baskets.csv -s 1% -c 50% --require-rhs \"whole milk\" --by lift --top 10");
 }
 
-void MineVerb::run(ResultStream& out) {
+void MineVerb::check() {
+  input_.check();
   rules_.check();
+  plan_ = mining_.plan();
+}
+
+void MineVerb::run(ResultStream& out) {
   documents_.check(input_.file());
-  const MiningPlan plan = mining_.plan();
   Stopwatch total;
   Stopwatch watch;
   const BasketInput input = input_.read();
@@ -38,7 +42,7 @@ void MineVerb::run(ResultStream& out) {
   const RuleQuery query = rules_.query(input.names, transactions);
   input_.report(input);
 
-  Mining mining(input.baskets, rules_.thresholds().support(), plan);
+  Mining mining(input.baskets, rules_.thresholds().support(), plan_);
   mining.run();
   mining.report();
   documents_.write(mining, query);
@@ -52,7 +56,7 @@ void MineVerb::run(ResultStream& out) {
 
   watch.lap();
   out.write(fmt::format("# {}; {}\n", mining.describe(), rules_.describe(query, input.names)));
-  if (plan.mode == MiningMode::kOnePass) {
+  if (plan_.mode == MiningMode::kOnePass) {
     const auto boundsOf = [&mining](const AssociationRule& rule) { return mining.bounds(rule); };
     writeBoundedRuleTable(rules, boundsOf, input.names, transactions, out);
   } else {

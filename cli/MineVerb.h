@@ -5,6 +5,7 @@
 #include "cli/DocumentOptions.h"
 #include "cli/InputOptions.h"
 #include "cli/MiningOptions.h"
+#include "cli/MiningPlan.h"
 #include "cli/RuleOptions.h"
 #include "cli/Verb.h"
 
@@ -15,6 +16,7 @@ class MineVerb : public Verb {
   std::string name() const override { return "mine"; }
   std::string summary() const override { return "Print the association rules of a basket file"; }
   void declare(CLI::App& command) override;
+  void check() override;
   void run(ResultStream& out) override;
 
  private:
@@ -22,6 +24,7 @@ class MineVerb : public Verb {
   RuleOptions rules_;
   MiningOptions mining_;
   DocumentOptions documents_;
+  MiningPlan plan_;  // as understood by check()
 };
 
 }  // namespace korassoc::cli

@@ -28,16 +28,19 @@ void RecommendVerb::declare(CLI::App& command) {
       "  korassoc recommend baskets.csv --for \"bread,whole milk\" -s 0.5% --top 5");
 }
 
-void RecommendVerb::run(ResultStream& out) {
+void RecommendVerb::check() {
+  input_.check();
   thresholds_.check();
-  std::vector<std::string> labels;
+  labels_.clear();
   for (const std::string& text : forTexts_) {
-    for (std::string& label : parseLabels("--for", text)) labels.push_back(std::move(label));
+    for (std::string& label : parseLabels("--for", text)) labels_.push_back(std::move(label));
   }
+}
 
+void RecommendVerb::run(ResultStream& out) {
   Stopwatch watch;
   const BasketInput input = input_.read();
-  const std::vector<int> items = itemsOf("--for", labels, input.names);
+  const std::vector<int> items = itemsOf("--for", labels_, input.names);
   input_.report(input);
   Mining mining(input.baskets, thresholds_.support(), MiningPlan{});
   mining.run();

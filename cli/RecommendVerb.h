@@ -16,12 +16,14 @@ class RecommendVerb : public Verb {
   std::string name() const override { return "recommend"; }
   std::string summary() const override { return "Print what goes best with given items"; }
   void declare(CLI::App& command) override;
+  void check() override;
   void run(ResultStream& out) override;
 
  private:
   InputOptions input_;
   std::vector<std::string> forTexts_;
   ThresholdOptions thresholds_{"1%", "0", "10"};
+  std::vector<std::string> labels_;  // of all uses of --for; as understood by check()
 };
 
 }  // namespace korassoc::cli

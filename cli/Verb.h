@@ -23,7 +23,11 @@ class Verb {
   // Declares its options. The command refers to this object from then on.
   virtual void declare(CLI::App& command) = 0;
 
-  // Does it, with the options as parsed. Results go to out, and only when they are complete in memory; notes
+  // Makes sense of the options as parsed, as far as that takes neither the input nor a file to write. Throws
+  // CliError (kUsage).
+  virtual void check() = 0;
+
+  // Does it, after check(). Results go to out, and only when they are complete in memory; notes
   // go to standard error. Throws CliError.
   virtual void run(ResultStream& out) = 0;
 };
