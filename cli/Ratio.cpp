@@ -27,7 +27,7 @@ std::optional<double> decimalNumber(std::string_view text, int shift) {
     std::string_view power = text.substr(e + 1);
     if (!power.empty() && power[0] == '+') power.remove_prefix(1);
     const auto [end, error] = std::from_chars(power.data(), power.data() + power.size(), exponent);
-    if (error != std::errc() || end != power.data() + power.size() || std::abs(exponent) > 9999) {
+    if (error != std::errc() || end != power.data() + power.size() || exponent < -9999 || exponent > 9999) {
       return std::nullopt;
     }
     digits = text.substr(0, e);

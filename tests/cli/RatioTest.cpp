@@ -17,10 +17,33 @@ TEST(DecimalNumber, ReadsWholeTextsOnly) {
   EXPECT_EQ(decimalNumber("1e-3"), 0.001);
   EXPECT_EQ(decimalNumber("2E+2"), 200.0);
   EXPECT_EQ(decimalNumber("-1"), -1.0);
-  for (const char* bad :
-       {"",      " 1", "1 ",  "+1", "0,5",   "1x",   "nan",  "NAN", "inf", "-inf", "infinity",
-        "1e999", "1e", "1e+", "e5", "1e5e5", "0x10", "1..2", "--1", "-",   ".",    "1e99999999999"}) {
+  for (const char* bad : {"",
+                          " 1",
+                          "1 ",
+                          "+1",
+                          "0,5",
+                          "1x",
+                          "nan",
+                          "NAN",
+                          "inf",
+                          "-inf",
+                          "infinity",
+                          "1e999",
+                          "1e",
+                          "1e+",
+                          "e5",
+                          "1e5e5",
+                          "0x10",
+                          "1..2",
+                          "--1",
+                          "-",
+                          ".",
+                          "1e99999999999",
+                          "1e-2147483648",
+                          "1e-10000",
+                          "1e10000"}) {
     EXPECT_FALSE(decimalNumber(bad)) << bad;
+    EXPECT_FALSE(decimalNumber(bad, -2)) << bad;
   }
 }
 
