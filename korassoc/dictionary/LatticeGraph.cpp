@@ -19,6 +19,8 @@ std::uint64_t head(const ItemSet& set) {
   return (first << 32) | (set.length() > 1 ? ordered(set.getItemAt(1)) : 0);
 }
 
+int countOf(const SetCounter* descriptor) { return descriptor != nullptr ? descriptor->count : 0; }
+
 // Where an entry stands in its table.
 struct Place {
   std::uint64_t head;
@@ -44,9 +46,13 @@ LatticeGraph::LatticeGraph(const SetDictionary& dictionary) {
 
 void LatticeGraph::readCounts() {
   counts_.resize(descriptors_.size());
-  std::transform(descriptors_.begin(), descriptors_.end(), counts_.begin(),
-                 [](const SetCounter* descriptor) { return descriptor != nullptr ? descriptor->count : 0; });
+  std::transform(descriptors_.begin(), descriptors_.end(), counts_.begin(), countOf);
   for (UpLink& link : up_) link.count = link.node != kNone ? count(link.node) : 0;
+}
+
+bool LatticeGraph::hasCurrentCounts() const {
+  return std::equal(counts_.begin(), counts_.end(), descriptors_.begin(),
+                    [](int count, const SetCounter* descriptor) { return count == countOf(descriptor); });
 }
 
 void LatticeGraph::addLevel(const HashTable& table, int level) {

@@ -68,6 +68,8 @@ class LatticeGraph {
   int count(int node) const { return counts_[static_cast<std::size_t>(node)]; }
   // Copies the counts of the descriptors. Cost: O(size()) and the links.
   void readCounts();
+  // Whether they still are those of the descriptors. The dictionary must not have gained or lost sets.
+  bool hasCurrentCounts() const;
   int length(int node) const { return static_cast<int>(down(node).size()); }
   std::span<const int> down(int node) const { return links(down_, downBegins_, node); }
   std::span<const UpLink> up(int node) const { return links(up_, upBegins_, node); }

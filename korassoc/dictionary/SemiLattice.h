@@ -32,6 +32,9 @@ class ProgressListener;
 //
 // Infinities count as any number of their sign. As a count, a support is rounded leniently: 1.05 of 10
 // transactions asks for all 10.
+//
+// Callbacks: a listener or a stream that is handed in may ask the lattice in turn. While it is written to a
+//   stream it does not change, whoever asks for that (SetDictionary::Hold).
 class KORASSOC_EXPORT SemiLattice {
  public:
   // Appends to out the rules X -> Z \ X of every stored set Z of at least minSupport (a fraction, rounded

@@ -42,6 +42,10 @@ SetDictionary::SetDictionary(std::vector<std::unique_ptr<HashTable>> levelTables
 
 SetDictionary::~SetDictionary() { releaseEvicted(); }
 
+SetDictionary::Hold::~Hold() {
+  if (--dictionary_.holds_ == 0) dictionary_.walkedPacked_.reset();
+}
+
 int SetDictionary::initialBuckets(int level) const {
   const long long searchSize = settings_->GetInitialBoundarySearchSize();
   switch (level) {
@@ -153,6 +157,7 @@ bool SetDictionary::containsSet(const OrderedArray& items) {
 
 bool SetDictionary::incrementIfBeforeTID(const OrderedArray& values, const OrderedArray& index,
                                          int transaction) {
+  if (isHeld()) return false;
   SetCounter* descriptor = find(selection(values.data, index.data, index.count));
   if (descriptor == nullptr) return false;
   noteCounting();
@@ -191,8 +196,12 @@ int SetDictionary::getEmptySetCount() { return getCount(&emptySet_); }
 const korassoc::detail::LatticeGraph& SetDictionary::graph() const {
   if (graph_ == nullptr) {
     graph_ = std::make_shared<korassoc::detail::LatticeGraph>(*this);
-  } else if (countsChanged_) {
-    graph_->readCounts();
+  } else if (countsChanged_ && !graph_->hasCurrentCounts()) {
+    if (graph_.use_count() == 1) {
+      graph_->readCounts();
+    } else {  // a query works with it, and is to notice
+      graph_ = std::make_shared<korassoc::detail::LatticeGraph>(*this);
+    }
   }
   countsChanged_ = false;
   return *graph_;
@@ -247,6 +256,7 @@ void SetDictionary::countQueued(HashTable::Entry& entry) {
 }
 
 SetCounter* SetDictionary::incrementSet(const OrderedArray& values, const OrderedArray& index) {
+  if (isHeld()) return nullptr;
   return incrementOr(selection(values.data, index.data, index.count),
                      [&] {
                        std::cout << "Increment failed for the subset: ";
@@ -258,6 +268,7 @@ SetCounter* SetDictionary::incrementSet(const OrderedArray& values, const Ordere
 }
 
 SetCounter* SetDictionary::incrementSet(const ItemSet* set) {
+  if (isHeld()) return nullptr;
   return incrementOr(ItemSetView(*set),
                      [set] {
                        std::cout << "Increment failed for the set: ";
@@ -271,13 +282,16 @@ SetCounter* SetDictionary::incrementSet(const int* items, int n) {
   return incrementSet(&key);
 }
 
-SetCounter* SetDictionary::incrementSet(int item) { return increment({&item, 1}).descriptor; }
+SetCounter* SetDictionary::incrementSet(int item) {
+  return isHeld() ? nullptr : increment({&item, 1}).descriptor;
+}
 
 SetCounter* SetDictionary::incrementSet(const OrderedArray& set) { return incrementSet(set.data, set.count); }
 
 // --- Phase II ---
 
 void SetDictionary::prepareExactCounting(int fromLevel, bool keepCounts) {
+  if (isHeld()) return;
   noteCounting();
   unpack();
   itemBits_->reset();
@@ -288,12 +302,13 @@ void SetDictionary::prepareExactCounting(int fromLevel, bool keepCounts) {
       if (entry.descriptor == nullptr) return;
       if (!keepCounts) entry.descriptor->count = 0;
       entry.descriptor->setMaxMissed(0);
-      markItems(entry.key);
+      setItemBits(entry.key);
     });
   }
 }
 
 KorAssoc::KorStatus SetDictionary::takeTransactionCount(int n) {
+  if (isHeld()) return KorAssoc::KorStatus(kHeld, false);
   if (SetCounter* transactions = getDescriptor(&emptySet_)) transactions->count = n;
   return status_;
 }

@@ -149,9 +149,10 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   virtual int getEmptySetCount();
 
   // Stores a set that is not stored yet (the caller has made sure). Answers 0 when it was stored, with the
-  // descriptor taken over; 3 when memory is full; another value when the spill store refused it. A refused
-  // descriptor stays the caller's. Throws DictionaryFailure* when the spill store breaks, std::bad_alloc when
-  // memory runs out: the descriptor stays the caller's then too, and the dictionary as it was.
+  // descriptor taken over; 3 when memory is full; kHeld while a Hold lives; another value when the spill
+  // store refused it. A refused descriptor stays the caller's. Throws DictionaryFailure* when the spill store
+  // breaks, std::bad_alloc when memory runs out: the descriptor stays the caller's then too, and the
+  // dictionary as it was.
   virtual int addSet(const int* values, int valueCount, const int* index, int n, SetCounter* descriptor);
   virtual int addSet(const int* items, int n, SetCounter* descriptor);
   virtual int addSet(ItemSet* set, SetCounter* descriptor);  // takes over set, whatever the answer
@@ -241,6 +242,42 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   // Sets that made room, since the dictionary was made: given up with their counts, and moved to disk.
   int setsGivenUp() const { return setsGivenUp_; }
   int setsSpilled() const { return setsSpilled_; }
+
+  // --- While it is walked ---
+  // While one lives, the dictionary is at work for somebody and must not be deleted.
+  class Use {
+   public:
+    explicit Use(const SetDictionary& dictionary) : dictionary_(dictionary) { ++dictionary_.uses_; }
+    ~Use() { --dictionary_.uses_; }
+    Use(const Use&) = delete;
+    Use& operator=(const Use&) = delete;
+
+   private:
+    const SetDictionary& dictionary_;
+  };
+  // While one lives, the sets, their counts and their links also stay as they are: every operation above that
+  // would change one refuses. Exports, records and the second passes hold the dictionary as long as they
+  // walk it or count by its descriptors, for a stream or a listener of the host may call it meanwhile.
+  //
+  // A refusal is false, null or 0; of addSet() and add() kHeld; of takeTransactionCount() 6, error; where
+  // there is no answer, nothing is done. What an operation does besides (an ItemSet taken over) it still
+  // does. Counts can still be changed by who has a descriptor, and with increment().
+  class KORASSOC_EXPORT Hold {
+   public:
+    explicit Hold(const SetDictionary& dictionary) : dictionary_(dictionary), use_(dictionary) {
+      ++dictionary_.holds_;
+    }
+    ~Hold();
+    Hold(const Hold&) = delete;
+    Hold& operator=(const Hold&) = delete;
+
+   private:
+    const SetDictionary& dictionary_;
+    Use use_;
+  };
+  static constexpr int kHeld = 6;
+  bool isInUse() const { return uses_ > 0; }
+  bool isHeld() const { return holds_ > 0; }
 
   // --- For the phase steps ---
   // A counted set: its items and hash code as stored, and its descriptor.
@@ -345,6 +382,9 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
     if (packed_ != nullptr) unpackAll();
   }
   void unpackAll() const;
+  void setItemBits(const ItemSet* set);
+  void setLevelBits(int level);
+  void resetLevelBits(int level);
   bool mayBePacked() const;
   bool isLevelPacked(int level) const { return packed_ != nullptr && level != 0; }
   void keepPacked(int level, std::unique_ptr<korassoc::detail::PackedLevel> sets);
@@ -377,6 +417,7 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   using PackedLevels = std::vector<std::unique_ptr<korassoc::detail::PackedLevel>>;
   mutable std::vector<std::unique_ptr<HashTable>> levels_;  // made when first needed; null: never held a set
   mutable std::unique_ptr<PackedLevels> packed_;            // null: the sets are unpacked
+  mutable std::unique_ptr<PackedLevels> walkedPacked_;      // unpacked while somebody walked them
   HashTable noSets_{1};                                     // what levelTable() answers for those
   std::unique_ptr<std::bitset<kItemBits>> itemBits_;
   ItemSet emptySet_;
@@ -401,6 +442,8 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   std::vector<int> selected_;             // the items of an index selection during one call
   int setsGivenUp_ = 0;
   int setsSpilled_ = 0;
+  mutable int uses_ = 0;
+  mutable int holds_ = 0;  // of the uses
   bool holdsEvicted_ = false;
   std::vector<std::pair<HashTable*, HashTable::Entry*>> evicted_;  // out of their tables, not yet released
   std::vector<std::unique_ptr<ItemSet>>

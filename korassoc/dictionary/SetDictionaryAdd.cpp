@@ -27,6 +27,7 @@ void reserveOneMore(std::vector<T>& elements) {
 }  // namespace
 
 bool SetDictionary::addEmptySet(SetCounter* descriptor) {
+  if (isHeld()) return false;
   graph_.reset();
   auto set = std::make_unique<ItemSet>();
   const bool added = table(0).put(set.get(), descriptor);
@@ -55,6 +56,7 @@ int SetDictionary::addSet(const OrderedArray& set, SetCounter* descriptor) {
 
 int SetDictionary::addSet(ItemSet* set, SetCounter* descriptor) {
   std::unique_ptr<ItemSet> owned(set);
+  if (isHeld()) return kHeld;
   if (inStoreCount_ >= maxInStoreSets_ && !diskSpill_ && smallQueue_.head() != nullptr) {
     HashTable* table = tableOrNull(smallQueue_.head()->length());
     if (table == nullptr || !table->contains(smallQueue_.head())) {
@@ -89,6 +91,7 @@ int SetDictionary::addSet(const OrderedArray& values, const OrderedArray& index,
 }
 
 int SetDictionary::add(const ItemSetView& set, const CarmaSetDescriptor& descriptor) {
+  if (isHeld()) return kHeld;
   if (isLevelPacked(set.length) && descriptor.TID >= 0) return addPacked(set, descriptor);
   const bool full = inStoreCount_ >= maxInStoreSets_;
   if (set.length <= maxLevel_ && !(full && diskSpill_)) {
@@ -125,6 +128,7 @@ int SetDictionary::addPacked(const ItemSetView& set, const CarmaSetDescriptor& d
 // Adds a set of at most maxLevel() items; a longer one has no table and is refused as by a full memory.
 template <typename Report>
 int SetDictionary::addOwned(std::unique_ptr<ItemSet> set, SetCounter* descriptor, Report&& reportFailure) {
+  if (isHeld()) return kHeld;
   if (set->length() > maxLevel_) return kMemoryFull;
   if (inStoreCount_ < maxInStoreSets_) {
     const bool queued = leaveInMainStoreCount_ >= 1;
@@ -255,23 +259,27 @@ void SetDictionary::releaseEvictedBut(const std::vector<const SetCounter*>& used
 }
 
 void SetDictionary::queuePush(ItemSet* set) {
+  if (isHeld()) return;
   unpack();
   smallQueue_.push(set);
 }
 
-ItemSet* SetDictionary::queuePop() { return smallQueue_.pop(); }
+ItemSet* SetDictionary::queuePop() { return isHeld() ? nullptr : smallQueue_.pop(); }
 
-void SetDictionary::queueUnlink(ItemSet* set) { smallQueue_.unlink(set); }
+void SetDictionary::queueUnlink(ItemSet* set) {
+  if (!isHeld()) smallQueue_.unlink(set);
+}
 
 void SetDictionary::createSpillStore() {
+  if (isHeld()) return;
   const char* name = settings_->HasSpillFileName() ? settings_->GetSpillFileName() : "";
   spillStore_.reset();  // lets go of its file, which may be the new one's
   spillStore_ = std::make_unique<SpillStore>(this, name, maxLevel_, kSpillLevel);
 }
 
 bool SetDictionary::takeBack(std::unique_ptr<ItemSet>& set, std::unique_ptr<SetCounter>& descriptor) {
-  if (inStoreCount_ >= maxInStoreSets_) return false;
-  markItems(set.get());
+  if (isHeld() || inStoreCount_ >= maxInStoreSets_) return false;
+  setItemBits(set.get());
   store(set, descriptor.get(), false);
   static_cast<void>(descriptor.release());
   ++inStoreCount_;

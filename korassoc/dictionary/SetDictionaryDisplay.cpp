@@ -29,6 +29,7 @@ void displayTable(const HashTable& table) {
 }  // namespace
 
 void SetDictionary::display() const {
+  const Hold hold(*this);
   std::cout << "\nThe DICTIONARY:   total sets: " << std::to_string(inStoreCount_) << "\n";
   for (int level = 0; level <= getHighestLevel(); ++level) {
     const HashTable& table = levelTable(level);

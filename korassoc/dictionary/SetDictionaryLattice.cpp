@@ -36,6 +36,7 @@ void SetDictionary::replaceDescriptor(HashTable::Entry& entry) {
 }
 
 void SetDictionary::buildLattice() {
+  if (isHeld()) return;
   graph_.reset();
   const int items = getLevelSize(1);
   HashTable::Entry* empty = table(0).find(&emptySet_);
@@ -67,6 +68,7 @@ void SetDictionary::buildLattice() {
 // Enters every set of the consecutive levels into the links of its subsets that are one item smaller. All of
 // them have lattice descriptors without links.
 void SetDictionary::linkLevels() {
+  const Hold hold(*this);  // what is missing is said on a stream
   const int highest = getHighestLevel();
   for (int level = 1; level <= highest; ++level) {
     const korassoc::detail::SubsetIndex subsets(levelTable(level - 1), level - 1);
@@ -101,6 +103,7 @@ void SetDictionary::linkSubsets(const ItemSet& set, const korassoc::detail::Subs
 }
 
 void SetDictionary::adopt(const korassoc::detail::CompleteItemsets& itemsets) {
+  if (isHeld()) return;
   // Made aside: when memory runs out, the dictionary stays as it was.
   std::vector<std::unique_ptr<HashTable>> tables(itemsets.levels.size() + 1);
   for (std::size_t level = 0; level < tables.size(); ++level) {
@@ -135,6 +138,7 @@ void SetDictionary::adopt(const korassoc::detail::CompleteItemsets& itemsets) {
 }
 
 void SetDictionary::pruneAdjacent(const ItemSet* set) {
+  if (isHeld()) return;
   graph_.reset();
   auto* descriptor = dynamic_cast<LatticeSetDescriptor*>(getDescriptor(set));
   if (descriptor == nullptr) {
@@ -157,6 +161,8 @@ void SetDictionary::rebuildLinks() {
 }
 
 int SetDictionary::resetAllCounts() {
+  if (isHeld()) return 0;
+  const Hold hold(*this);
   noteCounting();
   int reset = 0;
   const int highest = getHighestLevel();

@@ -25,7 +25,11 @@ void SetDictionary::unpackAll() const {
   }
   if (!levels_.empty()) tables[0] = std::move(levels_[0]);
   levels_ = std::move(tables);
-  packed_.reset();
+  if (isHeld()) {
+    walkedPacked_ = std::move(packed_);
+  } else {
+    packed_.reset();
+  }
 }
 
 // Makes these the sets of a level.

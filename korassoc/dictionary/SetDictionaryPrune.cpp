@@ -12,6 +12,7 @@
 #include "korassoc/itemsets/CountBound.h"
 
 int SetDictionary::removeSmallSets(double minCount) {
+  if (isHeld()) return 0;
   int removed = 0;
   const bool closed = closed_;
   for (int level = 1; level <= maxLevel_ && getLevelSize(level) >= 1; ++level)
@@ -22,9 +23,10 @@ int SetDictionary::removeSmallSets(double minCount) {
 }
 
 int SetDictionary::removeSmall(int level, double minCount) {
+  if (isHeld()) return 0;
   graph_.reset();
   setOpen();
-  if (!bitsetOff_ && level >= 2) clearLevelBits(level - 1);
+  if (!bitsetOff_ && level >= 2) resetLevelBits(level - 1);
   const int bound = korassoc::detail::pruneCountBound(minCount);
   int removed = 0;
   if (isPacked() && level > 0 && bitsetOff_) {
@@ -36,7 +38,7 @@ int SetDictionary::removeSmall(int level, double minCount) {
         [&](HashTable::Entry& entry) {
           if (!bitsetOff_ && !smallQueue_.empty()) smallQueue_.unlink(entry.key);
           if (entry.descriptor == nullptr || entry.descriptor->count < bound) return true;
-          if (!bitsetOff_) markItems(entry.key);
+          if (!bitsetOff_) setItemBits(entry.key);
           return false;
         },
         [&](HashTable::Entry* entry) {
@@ -59,15 +61,27 @@ int SetDictionary::removeSmall(int level, double minCount) {
 }
 
 void SetDictionary::markItems(const ItemSet* set) {
-  for (int i = 0; i < set->length(); ++i) itemBits_->set(itemBit(set->getItemAt(i)));
+  if (!isHeld()) setItemBits(set);
 }
 
 void SetDictionary::clearLevelBits(int level) {
+  if (!isHeld()) resetLevelBits(level);
+}
+
+void SetDictionary::markLevelBits(int level) {
+  if (!isHeld()) setLevelBits(level);
+}
+
+void SetDictionary::setItemBits(const ItemSet* set) {
+  for (int i = 0; i < set->length(); ++i) itemBits_->set(itemBit(set->getItemAt(i)));
+}
+
+void SetDictionary::resetLevelBits(int level) {
   levelTable(level).forEach([this](const HashTable::Entry& entry) {
     for (int i = 0; i < entry.key->length(); ++i) itemBits_->reset(itemBit(entry.key->getItemAt(i)));
   });
 }
 
-void SetDictionary::markLevelBits(int level) {
-  levelTable(level).forEach([this](const HashTable::Entry& entry) { markItems(entry.key); });
+void SetDictionary::setLevelBits(int level) {
+  levelTable(level).forEach([this](const HashTable::Entry& entry) { setItemBits(entry.key); });
 }

@@ -123,14 +123,19 @@ void SetDictionary::readTables(Read&& read) {
     }
     HashTable::Packed packed;
     read(*table, level, isLevelPacked(level) ? &packed : nullptr);
-    if (packed != nullptr) {
+    if (packed != nullptr && isLevelPacked(level)) {
       keepPacked(level, std::move(packed));
+    } else if (packed != nullptr) {  // the stream has had the sets looked at, and so unpacked
+      table = std::make_unique<HashTable>(1, pool_);
+      packed->fill(*table);
+      keepTable(level, std::move(table));
     } else if (table->count() > 0) {
       keepTable(level, std::move(table));
     }
     if (level == maxLevel_) break;
   }
-  if (!bitsetOff_) markLevelBits(recordedSpillLevel_ - 1);
+  graph_.reset();  // the stream may have had one made of a part
+  if (!bitsetOff_) setLevelBits(recordedSpillLevel_ - 1);
 }
 
 // What the level's table would write, tabs in front of each line of an object.
@@ -146,6 +151,7 @@ std::uint64_t SetDictionary::writePacked(int level, Stream& stream, Tabs... tabs
 
 std::uint64_t SetDictionary::writeObject(std::fstream& stream) const {
   if (stream.bad()) refuseStream("Bad stream for saving SetDictionary!\n");
+  const Hold hold(*this);
   BinaryWriter record(stream);
   const RecordHead head = recordHead();
   record.tag(kTag);
@@ -166,6 +172,8 @@ std::uint64_t SetDictionary::writeObject(std::fstream& stream) const {
 }
 
 std::uint64_t SetDictionary::readObject(std::fstream& stream) {
+  if (isHeld()) return 0;
+  const Hold hold(*this);
   if (stream.bad()) refuseStream("Bad stream for reading SetDictionary!\n");
   BinaryReader record(stream);
   RecordHead head;
@@ -190,6 +198,7 @@ std::uint64_t SetDictionary::readObject(std::fstream& stream) {
 }
 
 std::uint64_t SetDictionary::writeObjectXML(std::ostream& out) const {
+  const Hold hold(*this);
   const RecordHead head = recordHead();
   const XMLObj object("SetDictionary", kXmlTabs);
   object.StartObj(out);
@@ -211,6 +220,8 @@ std::uint64_t SetDictionary::writeObjectXML(std::ostream& out) const {
 }
 
 std::uint64_t SetDictionary::readObjectXML(std::ifstream& in) {
+  if (isHeld()) return 0;
+  const Hold hold(*this);
   if (in.bad()) refuseStream("Bad stream for reading SetDictionary!\n");
   RecordHead head;
   if (!KorAssocXML::ParseStartObj(in, "SetDictionary") || !parseFlag(in, head.latticeBuilt)) refuseObject();

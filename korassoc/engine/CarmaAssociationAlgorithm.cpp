@@ -11,6 +11,7 @@
 #include "korassoc/engine/CarmaCancelContext.h"
 #include "korassoc/engine/CarmaCore.h"
 #include "korassoc/engine/CarmaFailedRestartContext.h"
+#include "korassoc/engine/CarmaHeldContext.h"
 #include "korassoc/engine/CarmaSaveContext.h"
 #include "korassoc/engine/CarmaSettings.h"
 #include "korassoc/engine/Caught.h"
@@ -19,8 +20,10 @@
 #include "korassoc/engine/PhaseIIContext.h"
 
 using KorAssoc::KorStatus;
+using korassoc::detail::Answer;
 using korassoc::detail::completes;
 using korassoc::detail::Operation;
+using korassoc::detail::State;
 
 CarmaAssociationAlgorithm::CarmaAssociationAlgorithm(CarmaSettings* settings, MultiPassTransIter* iterator)
     : settings_(settings), iterator_(iterator), state_(&PhaseIContext::instance()) {
@@ -36,14 +39,25 @@ CarmaAssociationAlgorithm::CarmaAssociationAlgorithm(CarmaSettings* settings, Mu
 
 CarmaAssociationAlgorithm::~CarmaAssociationAlgorithm() = default;
 
+// Only a phase can be within a pass or an export; a save, which holds the dictionary too, has its own state.
+const CarmaContext& CarmaAssociationAlgorithm::contextFor(Operation operation) const {
+  const CarmaContext& state = *state_;
+  const bool inPass = passes_ > 0;
+  if (!inPass && !(dictionary_ && dictionary_->isHeld())) return state;
+  if (&state != &PhaseIContext::instance() && &state != &PhaseIIContext::instance()) return state;
+  const Answer guarded = korassoc::detail::answerOf(operation, inPass ? State::InPass : State::InExport);
+  if (guarded.kind == Answer::AsState) return state;
+  return inPass ? CarmaHeldContext::inPass() : CarmaHeldContext::inExport();
+}
+
 void CarmaAssociationAlgorithm::Cancel() { state_.load()->Cancel(*this); }
 
 KorStatus CarmaAssociationAlgorithm::SaveState(std::fstream& stream) {
-  return state_.load()->SaveState(*this, stream);
+  return contextFor(Operation::SaveState).SaveState(*this, stream);
 }
 
 KorStatus CarmaAssociationAlgorithm::SaveStateXML(std::ostream& stream) {
-  return state_.load()->SaveStateXML(*this, stream);
+  return contextFor(Operation::SaveStateXML).SaveStateXML(*this, stream);
 }
 
 void CarmaAssociationAlgorithm::SetProgressListener(ProgressListener* listener) {
@@ -57,32 +71,32 @@ void CarmaAssociationAlgorithm::SetSupportSource(SupportSource* source) {
 void CarmaAssociationAlgorithm::SetMaxInStoreSets(int sets) { state_.load()->SetMaxInStoreSets(*this, sets); }
 
 KorStatus CarmaAssociationAlgorithm::RunPhaseI(int transactions) {
-  return transactions > 0 ? state_.load()->RunPhaseI(*this, transactions) : KorStatus();
+  return transactions > 0 ? contextFor(Operation::RunPhaseI).RunPhaseI(*this, transactions) : KorStatus();
 }
 
 KorStatus CarmaAssociationAlgorithm::RunPhaseII() {
-  state_.load()->EndPhaseI(*this);  // refused when phase I has ended already
-  return state_.load()->RunPhaseII(*this);
+  contextFor(Operation::EndPhaseI).EndPhaseI(*this);  // refused when phase I has ended already
+  return contextFor(Operation::RunPhaseII).RunPhaseII(*this);
 }
 
 KorStatus CarmaAssociationAlgorithm::RunPhaseIIcomplete(double minSupport) {
-  const CarmaContext* const state = state_;
+  const CarmaContext* const state = &contextFor(Operation::RunPhaseIIcomplete);
   const bool isInAPhase = state == &PhaseIContext::instance() || state == &PhaseIIContext::instance();
   const bool isFraction = minSupport >= 0.0 && minSupport <= 1.0;  // no for NaN
   // Before phase I is closed, so that nothing changes. What other states answer goes first.
   if (isInAPhase && !isFraction) return setStatus(KorStatus(korassoc::detail::kExceptionCode, false));
-  state_.load()->EndPhaseI(*this);
-  return state_.load()->RunPhaseIIcomplete(*this, minSupport);
+  contextFor(Operation::EndPhaseI).EndPhaseI(*this);
+  return contextFor(Operation::RunPhaseIIcomplete).RunPhaseIIcomplete(*this, minSupport);
 }
 
 KorStatus CarmaAssociationAlgorithm::RunPhaseIIrandom() {
-  state_.load()->EndPhaseI(*this);
-  return state_.load()->RunPhaseIIrandom(*this);
+  contextFor(Operation::EndPhaseI).EndPhaseI(*this);
+  return contextFor(Operation::RunPhaseIIrandom).RunPhaseIIrandom(*this);
 }
 
 KorStatus CarmaAssociationAlgorithm::RunNullPhaseII(double fraction) {
   if (!cancelRequested_) {
-    const KorStatus ended = state_.load()->EndPhaseI(*this);
+    const KorStatus ended = contextFor(Operation::EndPhaseI).EndPhaseI(*this);
     if (!ended.IsOK()) return ended;
     changeState(PhaseIIContext::instance());
     const KorStatus result = state_.load()->RunNullPhaseII(*this, fraction);
@@ -95,7 +109,7 @@ KorStatus CarmaAssociationAlgorithm::RunNullPhaseII(double fraction) {
 // A copy of a query with many arguments would take memory, and where it is made nothing is caught.
 template <typename Query>
 KorStatus CarmaAssociationAlgorithm::ask(Operation operation, const Query& query) {
-  return state_.load()->Ask(*this, operation, std::cref(query));
+  return contextFor(operation).Ask(*this, operation, std::cref(query));
 }
 
 KorStatus CarmaAssociationAlgorithm::CreateNgetRules(double minSupport, double minConfidence,
@@ -193,8 +207,10 @@ std::string CarmaAssociationAlgorithm::GetComponentVersion() { return korassoc::
 CarmaAssociationAlgorithm::Running::~Running() {
   if (--engine_.running_ > 0) return;
   engine_.retiredCore_.reset();
-  engine_.retiredDictionary_.reset();
   engine_.retiredCeilings_.reset();
+  // What was asked of the lattice directly may still run; then it stays for the engine to take along.
+  if (engine_.retiredDictionary_ && !engine_.retiredDictionary_->isInUse())
+    engine_.retiredDictionary_.reset();
 }
 
 KorStatus CarmaAssociationAlgorithm::setStatus(const KorStatus& status) {

@@ -46,7 +46,15 @@ enum class Operation;
 //   state are the engine's own. What the host's callbacks are given dies with the call.
 // Errors: no operation that returns a status lets an exception out, nor does a constructor; what a callback
 //   of the host throws becomes a status like any failure of the library.
-// Threads: all work runs on the caller's thread. Cancel alone may be called while another operation runs.
+// Callbacks: what the host implements (iterator, transactions, support source, listener, streams) may call
+// the
+//   engine. What only asks is answered as ever. While a phase or a pass runs, or a lattice is written to a
+//   stream, another phase or pass is refused with code 6, error; so are, within a second pass and an export,
+//   changes of GetLattice() itself (SetDictionary::Hold), and saving within a pass with code 4. A listener
+//   of a query may run a pass: the query then answers code 1, error, and nothing.
+// Threads: all work runs on the caller's thread. Cancel alone may be called while another operation runs,
+// from
+//   any thread.
 class KORASSOC_EXPORT CarmaAssociationAlgorithm {
  public:
   // An engine ready for phase I. Null settings, or an exception, leave it unusable: GetStatus() tells code
@@ -206,7 +214,25 @@ class KORASSOC_EXPORT CarmaAssociationAlgorithm {
     CarmaAssociationAlgorithm& engine_;
   };
 
+  // While one lives, a phase or a pass runs.
+  class Passing {
+   public:
+    explicit Passing(CarmaAssociationAlgorithm& engine) : engine_(engine), running_(engine) {
+      ++engine_.passes_;
+    }
+    ~Passing() { --engine_.passes_; }
+    Passing(const Passing&) = delete;
+    Passing& operator=(const Passing&) = delete;
+
+   private:
+    CarmaAssociationAlgorithm& engine_;
+    Running running_;
+  };
+
   void changeState(const CarmaContext& state) { state_ = &state; }
+
+  // Who answers an operation: the state, or, in a callback, what guards the pass or the export that is on.
+  const CarmaContext& contextFor(korassoc::detail::Operation operation) const;
 
   // Makes what settings_ asks for.
   void makeDictionary();
@@ -252,6 +278,7 @@ class KORASSOC_EXPORT CarmaAssociationAlgorithm {
   double supportCount_ = 1.0;     // the count of the last pruning in phase I
   bool phaseIResumable_ = false;  // phase I stands between two calls, the last of which was good
   int running_ = 0;               // operations on the stack that work with core, dictionary and ceilings
+  int passes_ = 0;                // of these
   std::unique_ptr<CarmaCore> retiredCore_;  // given up while operations ran
   std::unique_ptr<SetDictionary> retiredDictionary_;
   std::unique_ptr<CeilArray> retiredCeilings_;

@@ -175,6 +175,7 @@ KorStatus CarmaAssociationAlgorithm::doSaveXML(std::ostream& stream) {
 KorStatus CarmaAssociationAlgorithm::save(std::ostream& stream, const char* failure,
                                           const std::function<void()>& write) {
   const Running running(*this);
+  const SetDictionary::Hold hold(*dictionary_);
   const CarmaContext& before = *state_;
   changeState(CarmaSaveContext::instance());
   const bool saved = completes([&] {

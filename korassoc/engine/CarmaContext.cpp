@@ -20,9 +20,10 @@ bool CarmaContext::does(Operation operation) const {
 KorStatus CarmaContext::answer(Engine& engine, Operation operation) const {
   const Answer answer = korassoc::detail::answerOf(operation, state());
   assert(answer.kind != Answer::Does);  // a state that carries an operation out overrides it
-  if (answer.kind == Answer::Cancels) {
+  const bool cancels = answer.kind == Answer::Waits && engine.cancelRequested_;
+  if (answer.kind == Answer::Cancels || cancels) {
     engine.doCancel();
-  } else if (answer.kind == Answer::Refuses) {
+  } else if (answer.kind == Answer::Refuses || answer.kind == Answer::Waits) {
     engine.setStatus(KorStatus(answer.code, answer.warning));
   }
   return engine.currentStatus_;

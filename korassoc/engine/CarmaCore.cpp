@@ -30,7 +30,7 @@ void CarmaCore::fetch(const Transaction& transaction) {
 
 KorStatus CarmaCore::step(SetDictionary& dictionary, const Transaction& transaction, double sigmaPrev,
                           double sigma, double supportCount) {
-  // A step that still runs has been left by an exception, or a callback of its transaction makes this one.
+  // A step that still runs has been left by an exception.
   steps_ = steps_ == Steps::kWhole ? Steps::kRunning : Steps::kBroken;
   const int length = std::max(transaction.GetLength(), 0);
   if (nTrans_ < std::numeric_limits<int>::max()) ++nTrans_;
@@ -39,7 +39,6 @@ KorStatus CarmaCore::step(SetDictionary& dictionary, const Transaction& transact
   sigma_ = sigma;
   fetch(transaction);
   first_.add(items_);
-  if (dictionary.isLatticeBuilt()) return KorStatus();  // a callback of the transaction has ended phase I
 
   using korassoc::detail::countBound;
   using korassoc::detail::raisedCountBound;

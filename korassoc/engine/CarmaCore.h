@@ -24,8 +24,7 @@ class CarmaCore {
   // Phase I for one transaction. sigmaPrev and sigma: the average support (fraction) before and after this
   // transaction's own was added; supportCount: the count to which the last pruning cut, 1.0 before the first.
   // Answers OK; 3/error when the dictionary refused a new set, what was counted so far staying counted;
-  // 40001/error when the dictionary failed. An exception of the transaction itself is let through. Nothing is
-  // counted when a callback of the transaction has built the lattice.
+  // 40001/error when the dictionary failed. An exception of the transaction itself is let through.
   KorAssoc::KorStatus step(SetDictionary& dictionary, const Transaction& transaction, double sigmaPrev,
                            double sigma, double supportCount);
 
@@ -44,8 +43,7 @@ class CarmaCore {
   // of the first pass and the transactions were others.
   bool hasMetOthers() const { return countsBeforeTIDs_ && second_ != first_; }
 
-  // Gives up what the steps count by, before sets leave the dictionary; steps of a pass that goes on all the
-  // same count nothing.
+  // Gives up what the steps count by, before sets leave the dictionary.
   void endPhaseII();
 
   // Notes the number of a transaction that a complete pass has read.

@@ -8,6 +8,8 @@ namespace {
 
 constexpr Answer does{Answer::Does};
 constexpr Answer base{Answer::AsBase};
+constexpr Answer usual{Answer::AsState};
+constexpr Answer waits{Answer::Waits, 6, false};
 constexpr Answer cancels{Answer::Cancels};
 constexpr Answer nothing{Answer::Nothing};
 constexpr Answer W(int code) { return {Answer::Refuses, code, true}; }
@@ -21,27 +23,27 @@ struct Row {
 // The unevenness is meant: hosts tell the states apart by it.
 // clang-format off
 constexpr std::array<Row, kOperations> kAnswers{{
-    // operation                        Base      PhaseI   PhaseII  Save     Cancelled  FailedRestart
-    {Operation::Cancel,               {{W(6),     does,    does,    does,    nothing,   does}}},
-    {Operation::SaveState,            {{W(4),     does,    base,    E(4),    E(4),      E(5)}}},
-    {Operation::SaveStateXML,         {{W(4),     does,    does,    E(4),    E(4),      E(5)}}},
-    {Operation::SetProgressListener,  {{does,     base,    base,    base,    cancels,   E(5)}}},
-    {Operation::AverageSupport,       {{nothing,  does,    does,    does,    nothing,   nothing}}},
-    {Operation::SetSupportSource,     {{does,     base,    nothing, W(6),    cancels,   E(5)}}},
-    {Operation::SetMaxInStoreSets,    {{does,     does,    nothing, nothing, nothing,   nothing}}},
-    {Operation::RunPhaseI,            {{W(6),     does,    base,    base,    cancels,   E(5)}}},
-    {Operation::EndPhaseI,            {{W(6),     does,    base,    base,    cancels,   E(5)}}},
-    {Operation::RunNullPhaseII,       {{W(6),     base,    does,    base,    cancels,   E(5)}}},
-    {Operation::RunPhaseII,           {{W(6),     base,    does,    base,    cancels,   E(5)}}},
-    {Operation::RunPhaseIIrandom,     {{W(6),     base,    does,    base,    base,      base}}},
-    {Operation::GetLattice,           {{nothing,  nothing, does,    nothing, nothing,   nothing}}},
-    {Operation::CreateNgetRules,      {{W(6),     base,    does,    base,    cancels,   E(5)}}},
-    {Operation::GetRulesSpecial,      {{W(6),     base,    does,    E(6),    cancels,   E(5)}}},
-    {Operation::GetItemsSpecial,      {{W(6),     base,    does,    base,    base,      base}}},
-    {Operation::GetItems,             {{W(6),     base,    does,    base,    base,      base}}},
-    {Operation::ExportLatticeXML,     {{W(6),     base,    does,    base,    W(1),      E(5)}}},
-    {Operation::ExportRulesXML,       {{W(6),     base,    does,    base,    W(1),      E(5)}}},
-    {Operation::RunPhaseIIcomplete,   {{W(6),     base,    does,    base,    cancels,   E(5)}}},
+    // operation                        Base      PhaseI   PhaseII  Save     Cancelled  FailedRestart  InPass  InExport
+    {Operation::Cancel,               {{W(6),     does,    does,    does,    nothing,   does,          usual,  usual}}},
+    {Operation::SaveState,            {{W(4),     does,    base,    E(4),    E(4),      E(5),          W(4),   usual}}},
+    {Operation::SaveStateXML,         {{W(4),     does,    does,    E(4),    E(4),      E(5),          W(4),   usual}}},
+    {Operation::SetProgressListener,  {{does,     base,    base,    base,    cancels,   E(5),          usual,  usual}}},
+    {Operation::AverageSupport,       {{nothing,  does,    does,    does,    nothing,   nothing,       usual,  usual}}},
+    {Operation::SetSupportSource,     {{does,     base,    nothing, W(6),    cancels,   E(5),          usual,  usual}}},
+    {Operation::SetMaxInStoreSets,    {{does,     does,    nothing, nothing, nothing,   nothing,       usual,  usual}}},
+    {Operation::RunPhaseI,            {{W(6),     does,    base,    base,    cancels,   E(5),          waits,  waits}}},
+    {Operation::EndPhaseI,            {{W(6),     does,    base,    base,    cancels,   E(5),          waits,  waits}}},
+    {Operation::RunNullPhaseII,       {{W(6),     base,    does,    base,    cancels,   E(5),          waits,  waits}}},
+    {Operation::RunPhaseII,           {{W(6),     base,    does,    base,    cancels,   E(5),          waits,  waits}}},
+    {Operation::RunPhaseIIrandom,     {{W(6),     base,    does,    base,    base,      base,          waits,  waits}}},
+    {Operation::GetLattice,           {{nothing,  nothing, does,    nothing, nothing,   nothing,       usual,  usual}}},
+    {Operation::CreateNgetRules,      {{W(6),     base,    does,    base,    cancels,   E(5),          usual,  usual}}},
+    {Operation::GetRulesSpecial,      {{W(6),     base,    does,    E(6),    cancels,   E(5),          usual,  usual}}},
+    {Operation::GetItemsSpecial,      {{W(6),     base,    does,    base,    base,      base,          usual,  usual}}},
+    {Operation::GetItems,             {{W(6),     base,    does,    base,    base,      base,          usual,  usual}}},
+    {Operation::ExportLatticeXML,     {{W(6),     base,    does,    base,    W(1),      E(5),          usual,  usual}}},
+    {Operation::ExportRulesXML,       {{W(6),     base,    does,    base,    W(1),      E(5),          usual,  usual}}},
+    {Operation::RunPhaseIIcomplete,   {{W(6),     base,    does,    base,    cancels,   E(5),          waits,  waits}}},
 }};
 // clang-format on
 

@@ -56,12 +56,11 @@ void PhaseIContext::SetMaxInStoreSets(Engine& engine, int sets) const {
   engine.dictionary_->setMaxInStoreSets(sets);
 }
 
-// A callback of the host can run operations of the engine, and so end the phase that it was called from, by a
-// cancel too.
+// A callback of the host can have a cancel carried out, and so end the phase that it was called from.
 bool PhaseIContext::isLeft(const Engine& engine) const { return engine.state_ != this; }
 
 KorStatus PhaseIContext::RunPhaseI(Engine& engine, int transactions) const {
-  const Engine::Running running(engine);
+  const Engine::Passing passing(engine);
   engine.phaseIResumable_ = false;
   Pass pass{engine.transactionsSeen_};
   const auto attempt = [&pass](auto&& work) {
@@ -146,7 +145,7 @@ void PhaseIContext::report(Engine& engine) {
 }
 
 KorStatus PhaseIContext::EndPhaseI(Engine& engine) const {
-  const Engine::Running running(engine);
+  const Engine::Passing passing(engine);
   engine.phaseIResumable_ = false;
   const bool ended = completes([&] {
     const double minCount = engine.transactionsSeen_ * engine.ceilings_->average();
@@ -157,5 +156,5 @@ KorStatus PhaseIContext::EndPhaseI(Engine& engine) const {
   if (isLeft(engine)) return engine.currentStatus_;
   if (!ended) return engine.setStatus(KorStatus(kExceptionCode, false));
   engine.changeState(PhaseIIContext::instance());
-  return engine.currentStatus_;
+  return engine.setStatus(KorStatus());  // the listener may have been refused something
 }

@@ -44,7 +44,7 @@ const PhaseIIContext& PhaseIIContext::instance() {
 
 template <typename Work>
 KorStatus PhaseIIContext::run(Engine& engine, Work&& work) const {
-  const Engine::Running running(engine);
+  const Engine::Passing passing(engine);
   KorStatus result;
   if (!completes([&] { result = work(); })) result = KorStatus(kExceptionCode, false);
   if (engine.cancelRequested_ && result.IsOK()) result = KorStatus(1, false);
@@ -62,13 +62,13 @@ KorStatus PhaseIIContext::RunPhaseIIrandom(Engine& engine) const {
 }
 
 // References are taken before the first callback: one that carries a cancel out takes the engine's pointers
-// away.
+// away. The dictionary is held whenever the host has the word.
 KorStatus PhaseIIContext::pass(Engine& engine, const Variant& variant) const {
   if (engine.iterator_ == nullptr) throw std::logic_error("no transactions");
   SetDictionary& dictionary = *engine.dictionary_;
   CarmaCore& core = *engine.core_;
   engine.transactionsSeen_ = core.transactions();
-  const bool restarted = engine.iterator_->Restart() == 0;
+  const bool restarted = restart(engine, dictionary);
   const bool tooMany =
       dictionary.getTotalSetCount() > engine.settings_->GetDictionarySettings().GetMaxInStoreSets();
   const bool hasLongSets = dictionary.getHighestLevel() > 1;
@@ -77,7 +77,7 @@ KorStatus PhaseIIContext::pass(Engine& engine, const Variant& variant) const {
   if (tooMany) return KorStatus(3, false);
   if (!engine.cancelRequested_ && !hasLongSets) {
     dictionary.buildLattice();
-    report(engine);
+    report(engine, dictionary);
     return KorStatus();
   }
   return restarted ? KorStatus() : KorStatus(2, false);
@@ -91,20 +91,26 @@ KorStatus PhaseIIContext::countAgain(Engine& engine, SetDictionary& dictionary, 
     core.preparePhaseII(dictionary, variant.firstLevel);
   if (!readAgain(engine, dictionary, core)) return engine.currentStatus_;
   if (!engine.cancelRequested_ && core.hasMetOthers()) {
-    if (engine.iterator_->Restart() != 0) return KorStatus(2, false);
+    if (!restart(engine, dictionary)) return KorStatus(2, false);
     core.preparePhaseII(dictionary, variant.firstLevel);
     if (!readAgain(engine, dictionary, core)) return engine.currentStatus_;
   }
   if (engine.cancelRequested_) return KorStatus();
-  core.endPhaseII();  // a callback may have run this pass within another one, which goes on
+  core.endPhaseII();
   dictionary.removeSmallSets(engine.transactionsSeen_ * engine.ceilings_->average());
   dictionary.buildLattice();
-  report(engine);
+  report(engine, dictionary);
   return KorStatus();
 }
 
+bool PhaseIIContext::restart(Engine& engine, const SetDictionary& dictionary) {
+  const SetDictionary::Hold hold(dictionary);
+  return engine.iterator_->Restart() == 0;
+}
+
 // Counts as many transactions as phase I, or those that there are. False when it was cancelled before one.
-bool PhaseIIContext::readAgain(Engine& engine, SetDictionary& dictionary, CarmaCore& core) {
+bool PhaseIIContext::readAgain(Engine& engine, const SetDictionary& dictionary, CarmaCore& core) {
+  const SetDictionary::Hold hold(dictionary);  // the core counts by its descriptors
   const int frequency = engine.settings_->GetReportFreqPhaseII();
   for (int count = 0; count < engine.transactionsSeen_;) {
     if (!engine.iterator_->HasNext()) break;
@@ -116,7 +122,7 @@ bool PhaseIIContext::readAgain(Engine& engine, SetDictionary& dictionary, CarmaC
     if (transaction == nullptr) break;
     ++count;
     core.stepPhaseII(dictionary, *transaction);
-    if (frequency != 0 && count % frequency == 0) report(engine);
+    if (frequency != 0 && count % frequency == 0) report(engine, dictionary);
   }
   return true;
 }
@@ -139,14 +145,14 @@ KorStatus PhaseIIContext::countCompletely(Engine& engine, double minSupport) con
       .onRead =
           [&](int number) {
             core.noteTransactionII(number);
-            if (frequency != 0 && number % frequency == 0) report(engine);
+            if (frequency != 0 && number % frequency == 0) report(engine, dictionary);
           },
       // A host that wants no reports of its transactions wants none of what they make either.
       .itemsetsBetweenCalls = frequency != 0 ? setsBetweenReports(settings) : 0,
       .onFound =
           [&](int itemsets) {
             core.noteItemsets(itemsets);
-            report(engine);
+            report(engine, dictionary);
           }};
   const int maxSets = settings.GetDictionarySettings().GetMaxInStoreSets();
   // The dictionary keeps to the length with which it was made, whatever the settings say by now.
@@ -154,7 +160,11 @@ KorStatus PhaseIIContext::countCompletely(Engine& engine, double minSupport) con
   CompletePass pass(*engine.iterator_,
                     {minSupport, maxLength, std::max(maxSets, 1) - 1, settings.GetCompleteIndexBudget()},
                     watch);
-  switch (pass.run()) {
+  const auto runHeld = [&] {
+    const SetDictionary::Hold hold(dictionary);
+    return pass.run();
+  };
+  switch (runHeld()) {
     case CompletePass::Outcome::kNotRestarted:
       return KorStatus(2, false);
     case CompletePass::Outcome::kTooManySets:
@@ -171,7 +181,7 @@ KorStatus PhaseIIContext::countCompletely(Engine& engine, double minSupport) con
   // What a later pass over the same transactions counts.
   engine.transactionsSeen_ = pass.itemsets().transactionCount;
   core.restoreTransactions(engine.transactionsSeen_, core.averageSupport());
-  report(engine);
+  report(engine, dictionary);
   return KorStatus();
 }
 
@@ -180,6 +190,7 @@ KorStatus PhaseIIContext::SaveStateXML(Engine& engine, std::ostream& stream) con
 }
 
 KorStatus PhaseIIContext::RunNullPhaseII(Engine& engine, double fraction) const {
+  const Engine::Passing passing(engine);
   KorStatus result;
   const bool done = completes([&] {
     const int seen = engine.transactionsSeen_;
@@ -205,9 +216,10 @@ KorStatus PhaseIIContext::Ask(Engine& engine, korassoc::detail::Operation /*oper
   return engine.currentStatus_;
 }
 
-void PhaseIIContext::report(Engine& engine) {
+void PhaseIIContext::report(Engine& engine, const SetDictionary& dictionary) {
   ProgressListener* listener = engine.settings_->GetProgressListener();
   if (listener == nullptr) return;
+  const SetDictionary::Hold hold(dictionary);
   PhaseIIReporter report(engine);
   listener->OnProgress(&report);
 }

@@ -32,7 +32,8 @@ class PhaseIIContext : public CarmaContext {
   KorAssoc::KorStatus pass(Engine& engine, const Variant& variant) const;
   KorAssoc::KorStatus countAgain(Engine& engine, SetDictionary& dictionary, CarmaCore& core,
                                  const Variant& variant) const;
-  static bool readAgain(Engine& engine, SetDictionary& dictionary, CarmaCore& core);
+  static bool restart(Engine& engine, const SetDictionary& dictionary);
+  static bool readAgain(Engine& engine, const SetDictionary& dictionary, CarmaCore& core);
   KorAssoc::KorStatus countCompletely(Engine& engine, double minSupport) const;
-  static void report(Engine& engine);
+  static void report(Engine& engine, const SetDictionary& dictionary);
 };

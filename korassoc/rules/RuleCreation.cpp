@@ -57,7 +57,7 @@ std::vector<int> RuleCreation::numberFrequentSets() {
     for (const int node : graph_.tableOrder(level)) {
       if (graph_.count(node) < minCount_) continue;
       SetCounter* descriptor = graph_.descriptor(node);
-      if (descriptor != nullptr) descriptor->setTID(number);
+      if (descriptor != nullptr && !dictionary_.isHeld()) descriptor->setTID(number);
       ++number;
     }
   }

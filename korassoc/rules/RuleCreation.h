@@ -19,7 +19,7 @@ namespace korassoc::detail {
 // reaches the confidence, the empty one included; pruneRedundant keeps only minimal antecedents and of these
 // only those that do not reach a larger consequent (Bastide, Pasquier, Taouil, Stumme & Lakhal, CL 2000, for
 // the idea of such bases). While it works, the descriptors' TIDs become the running numbers of the frequent
-// sets, and stay so.
+// sets, and stay so; not while somebody holds the dictionary.
 class RuleCreation {
  public:
   // minSupport, minConfidence: fractions. listener may be null.

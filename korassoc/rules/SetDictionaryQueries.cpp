@@ -30,6 +30,7 @@ void insertSets(const korassoc::detail::LatticeGraph& graph, const std::vector<i
 KorStatus SetDictionary::createRules(double minSupport, double minConfidence,
                                      std::vector<AssociationRule>& out, ProgressListener* listener,
                                      bool pruneRedundant) {
+  const Use use(*this);
   return korassoc::detail::RuleCreation(*this, minSupport, minConfidence, listener, pruneRedundant).run(out);
 }
 
@@ -41,6 +42,7 @@ KorStatus SetDictionary::createFilteredRules(double minConfidence, double maxCon
                                              int minConsequentLength, int maxConsequentLength, int maxRules,
                                              bool minimalAntecedentsOnly, std::vector<AssociationRule>& out,
                                              ProgressListener* listener) {
+  const Use use(*this);
   const korassoc::detail::RuleFilter filter{minConfidence,
                                             maxConfidence,
                                             minSupport,
@@ -67,6 +69,7 @@ KorStatus SetDictionary::createFilteredConsequents(double minConfidence, double 
                                                    int maxAntecedentLength, ItemSet* consequentAllowed,
                                                    int maxItems, std::vector<ConsequentDescriptor>& out,
                                                    ProgressListener* listener) {
+  const Use use(*this);
   const korassoc::detail::RuleFilter filter{minConfidence,
                                             maxConfidence,
                                             minSupport,
@@ -92,6 +95,7 @@ KorStatus SetDictionary::createConsequents(ItemSet* antecedent, int maxItems,
 }
 
 double SetDictionary::findSupport(const ItemSet& base, int k) {
+  const Hold hold(*this);  // what is missing is said on a stream
   return LatticeSearch(graph()).support(base, k, getEmptySetCount());
 }
 

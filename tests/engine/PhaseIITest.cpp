@@ -4,8 +4,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <functional>
 #include <iostream>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -267,23 +269,20 @@ TEST(RunPhaseII, SurvivesACancelThatACallbackCarriesOut) {
   }
 }
 
-// The inner pass takes the counters away that the outer one counts by; the counts are the inner one's.
-TEST(RunPhaseII, SurvivesAPassThatACallbackRuns) {
+TEST(RunPhaseII, RefusesAPassThatACallbackRuns) {
   struct NestingSource : VectorTransactions {
     using VectorTransactions::VectorTransactions;
     Transaction* Next() override {
       if (engine != nullptr && position() == 2) {
-        CarmaAssociationAlgorithm* const inner = std::exchange(engine, nullptr);
-        EXPECT_EQ(shortForm(form->run(*inner)), "OK");
-        Restart();
+        EXPECT_EQ(shortForm(form->run(*engine)), "E6");
       }
       return VectorTransactions::Next();
     }
     CarmaAssociationAlgorithm* engine = nullptr;
     const Form* form = nullptr;
   };
-  for (const Form& outer : {kExact, kRandom}) {
-    for (const Form& inner : {kExact, kRandom, kComplete}) {
+  for (const Form& outer : {kExact, kRandom, kComplete}) {
+    for (const Form& inner : {kExact, kRandom, kComplete, kNull}) {
       auto settings = settingsWithSupport(0.5);
       NestingSource source(repeated({1, 2}, 6));
       CarmaAssociationAlgorithm engine(settings.get(), &source);
@@ -291,10 +290,30 @@ TEST(RunPhaseII, SurvivesAPassThatACallbackRuns) {
       source.engine = &engine;
       source.form = &inner;
       EXPECT_EQ(shortForm(outer.run(engine)), "OK") << outer.name << " and " << inner.name;
+      EXPECT_EQ(shortForm(engine.GetStatus()), "OK") << outer.name << " and " << inner.name;
+      EXPECT_EQ(source.restarts, 1);
       const ItemSet pair(ItemSet(1), 2);
       EXPECT_EQ(Access::dictionary(engine)->getCount(&pair), 6) << outer.name << " and " << inner.name;
       EXPECT_TRUE(engine.IsLatticeBuilt());
     }
+  }
+}
+
+// Half of the counts would be those of the pass.
+TEST(RunPhaseII, RefusesToSaveInACallback) {
+  for (const Form& form : {kExact, kRandom, kComplete}) {
+    AfterPhaseI host(repeated({1, 2}, 6));
+    host.settings->SetReportFreqPhaseII(2);
+    host.engine->RunNullPhaseII(0.0);
+    std::string answers;
+    host.listen([&](ProgressReport&) {
+      std::fstream file;
+      std::ostringstream text;
+      answers += shortForm(host.engine->SaveState(file)) + shortForm(host.engine->SaveStateXML(text)) + ' ';
+      EXPECT_EQ(text.str(), "");
+    });
+    EXPECT_EQ(shortForm(form.run(*host.engine)), "OK") << form.name;
+    EXPECT_EQ(answers, "W4W4 W4W4 W4W4 W4W4 ") << form.name;
   }
 }
 

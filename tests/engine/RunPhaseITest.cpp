@@ -6,6 +6,7 @@
 #include <functional>
 #include <iostream>
 #include <memory>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -15,6 +16,7 @@
 #include "korassoc/engine/CarmaAssociationAlgorithm.h"
 #include "korassoc/engine/CarmaSettings.h"
 #include "korassoc/engine/Exceptions.h"
+#include "korassoc/rules/AssociationRule.h"
 #include "tests/support/EngineHost.h"
 #include "tests/support/EngineTestAccess.h"
 #include "tests/support/Hosts.h"
@@ -25,6 +27,7 @@
 namespace {
 
 using Access = CarmaAssociationAlgorithmTestAccess;
+using KorAssoc::KorStatus;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -414,35 +417,60 @@ TEST(Cancel, MayBeCarriedOutByAnOperationThatTheListenerCalls) {
     inner = shortForm(run.engine->RunPhaseI(1));
   });
   EXPECT_EQ(shortForm(run.engine->RunPhaseI(100)), "W1");
-  EXPECT_EQ(inner, "W1");
+  EXPECT_EQ(inner, "E1");
   EXPECT_EQ(shortForm(run.engine->GetStatus()), "E1");
 }
 
-TEST(RunPhaseI, EndsWhenTheListenerHasLedTheEngineOn) {
-  EngineHost run(repeated({1}, 100));
-  run.settings->SetReportFreqPhaseI(20);
-  std::string inner;
-  run.listen([&](ProgressReport&) {
-    if (!inner.empty()) return;
-    inner = "running";
-    inner = shortForm(run.engine->RunNullPhaseII(0.0));
-  });
-  EXPECT_EQ(shortForm(run.engine->RunPhaseI(100)), "OK");
-  EXPECT_EQ(inner, "OK");
-  EXPECT_NE(run.engine->GetLattice(), nullptr);
-  EXPECT_EQ(run.source.position(), 20);
+// What would be counted in the middle of a call, or lead the engine on, is refused; the call goes on.
+TEST(RunPhaseI, LetsNoCallbackRunAPhase) {
+  const std::function<KorStatus(CarmaAssociationAlgorithm&)> phases[] = {
+      [](auto& engine) { return engine.RunPhaseI(1); },
+      [](auto& engine) { return engine.RunNullPhaseII(0.0); },
+      [](auto& engine) { return engine.RunPhaseII(); },
+      [](auto& engine) { return engine.RunPhaseIIrandom(); },
+      [](auto& engine) { return engine.RunPhaseIIcomplete(0.5); }};
+  const auto finished = [](CarmaAssociationAlgorithm& engine) {
+    std::ostringstream state;
+    EXPECT_EQ(shortForm(engine.SaveStateXML(state)), "OK");
+    return state.str();
+  };
+  EngineHost undisturbed(repeated({1, 2}, 30));
+  ASSERT_EQ(shortForm(undisturbed.engine->RunPhaseI(30)), "OK");
+  for (const auto& phase : phases) {
+    const auto refused = [&phase](CarmaAssociationAlgorithm& engine) {
+      EXPECT_EQ(shortForm(phase(engine)), "E6");
+      EXPECT_EQ(shortForm(engine.GetStatus()), "E6");
+    };
+    EngineHost run(repeated({1, 2}, 30));
+    run.settings->SetReportFreqPhaseI(undisturbed.settings->GetReportFreqPhaseI());
+    const TestListener& listener = run.listen([&](ProgressReport&) { refused(*run.engine); });
+    run.support([&](int) { return refused(*run.engine), 0.5; });
+    EXPECT_EQ(shortForm(run.engine->RunPhaseI(30)), "OK");
+    EXPECT_EQ(shortForm(run.engine->GetStatus()), "OK");
+    EXPECT_GT(listener.reports, 0);
+    EXPECT_EQ(finished(*run.engine), finished(*undisturbed.engine));
+
+    auto settings = settingsWithSupport(0.5);
+    std::unique_ptr<CarmaAssociationAlgorithm> engine;
+    CallingSource source([&] { refused(*engine); });
+    engine = std::make_unique<CarmaAssociationAlgorithm>(settings.get(), &source);
+    EXPECT_EQ(shortForm(engine->RunPhaseI(10)), "OK");
+    EXPECT_EQ(engine->NumberOfTransactions(), source.position());
+    EXPECT_EQ(Access::dictionary(*engine)->getCount(1), source.position());
+  }
 }
 
-TEST(RunPhaseI, DoesNotCountATransactionWhoseSupportLedTheEngineOn) {
+TEST(EndPhaseI, TellsItsOwnStatusWhateverItsReportWasRefused) {
   EngineHost run(repeated({1}, 10));
-  run.support([&](int transaction) {
-    if (transaction == 3) run.engine->RunNullPhaseII(0.0);
-    return 0.5;
+  ASSERT_EQ(shortForm(run.engine->RunPhaseI(10)), "OK");
+  std::vector<AssociationRule> rules;
+  std::string inner;
+  run.listen([&](ProgressReport&) {
+    inner =
+        shortForm(run.engine->CreateNgetRules(0.1, 0.1, rules)) + ' ' + shortForm(run.engine->RunPhaseII());
   });
-  EXPECT_EQ(shortForm(run.engine->RunPhaseI(10)), "OK");
-  EXPECT_EQ(run.engine->NumberOfTransactions(), 0)
-      << "phase II began with what earlier calls had counted: nothing";
-  EXPECT_EQ(run.source.position(), 3);
+  EXPECT_EQ(shortForm(run.engine->RunNullPhaseII(0.0)), "OK");
+  EXPECT_EQ(inner, "W6 E6");
   EXPECT_TRUE(run.engine->IsLatticeBuilt());
 }
 
@@ -459,18 +487,4 @@ TEST(Cancel, MayBeCarriedOutByAnOperationThatATransactionCalls) {
   EXPECT_EQ(shortForm(engine->RunPhaseI(10)), "W1");
   EXPECT_EQ(shortForm(engine->GetStatus()), "E1");
   EXPECT_EQ(source.position(), 5);
-}
-
-// A set added to the lattice that the callback has built would have no links.
-TEST(RunPhaseI, DoesNotCountATransactionThatLedTheEngineOn) {
-  auto settings = settingsWithSupport(0.5);
-  std::unique_ptr<CarmaAssociationAlgorithm> engine;
-  CallingSource source([&] { EXPECT_EQ(shortForm(engine->RunNullPhaseII(0.0)), "OK"); });
-  engine = std::make_unique<CarmaAssociationAlgorithm>(settings.get(), &source);
-  engine->RunPhaseI(3);
-  EXPECT_EQ(shortForm(engine->RunPhaseI(7)), "OK");
-  EXPECT_EQ(source.position(), 5);
-  EXPECT_EQ(engine->NumberOfTransactions(), 3) << "what the first call had counted";
-  EXPECT_EQ(Access::dictionary(*engine)->getCount(1), 4) << "and the fourth transaction";
-  EXPECT_TRUE(engine->IsLatticeBuilt());
 }

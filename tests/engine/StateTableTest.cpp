@@ -7,6 +7,7 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <map>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
@@ -17,6 +18,7 @@
 
 #include "korassoc/engine/CarmaCancelContext.h"
 #include "korassoc/engine/CarmaFailedRestartContext.h"
+#include "korassoc/engine/CarmaHeldContext.h"
 #include "korassoc/engine/CarmaSaveContext.h"
 #include "korassoc/engine/Exceptions.h"
 #include "korassoc/engine/PhaseIContext.h"
@@ -200,6 +202,36 @@ TEST(StateTable, IsAnsweredSlotBySlotAndStateByState) {
       Subject subject(column);
       EXPECT_EQ(row.run(subject, Access::state(*subject.engine)), row.expected[column])
           << row.name << " in " << kColumnNames[column];
+    }
+  }
+}
+
+// The rest is for the state to answer.
+TEST(StateTable, LetsACallbackOfAPassOrAnExportRunNoPassAndOneOfAPassSaveNothing) {
+  using korassoc::detail::Answer;
+  using korassoc::detail::State;
+  const std::map<std::string, std::array<const char*, 2>> expected = {
+      {"SaveState", {"W4", ""}},          {"SaveStateXML", {"W4", ""}},        {"RunPhaseI", {"E6", "E6"}},
+      {"EndPhaseI", {"E6", "E6"}},        {"RunNullPhaseII", {"E6", "E6"}},    {"RunPhaseII", {"E6", "E6"}},
+      {"RunPhaseIIrandom", {"E6", "E6"}}, {"RunPhaseIIcomplete", {"E6", "E6"}}};
+  const CarmaContext* const guards[] = {&CarmaHeldContext::inPass(), &CarmaHeldContext::inExport()};
+  const State states[] = {State::InPass, State::InExport};
+  for (int slot = 1; slot <= korassoc::detail::kOperations; ++slot) {
+    const Row& row = kRows[slot - 1];
+    const auto found = expected.find(row.name);
+    for (std::size_t guard = 0; guard < std::size(guards); ++guard) {
+      const std::string answer = found != expected.end() ? found->second[guard] : "";
+      const bool usual =
+          korassoc::detail::answerOf(static_cast<Operation>(slot), states[guard]).kind == Answer::AsState;
+      EXPECT_EQ(usual, answer.empty()) << row.name;
+      if (usual) continue;
+      for (const std::size_t phase : {1U, 2U}) {
+        Subject subject(phase);
+        EXPECT_EQ(row.run(subject, *guards[guard]), answer) << row.name;
+      }
+      Subject cancelled(2);
+      cancelled.engine->Cancel();
+      EXPECT_EQ(row.run(cancelled, *guards[guard]), answer == "W4" ? "W4" : "E1") << row.name;
     }
   }
 }
