@@ -18,12 +18,33 @@
 #include "korassoc/engine/CeilArray.h"
 #include "korassoc/engine/PhaseIContext.h"
 #include "korassoc/engine/PhaseIIContext.h"
+#include "korassoc/engine/ProgressListener.h"
 
 using KorAssoc::KorStatus;
 using korassoc::detail::Answer;
 using korassoc::detail::completes;
 using korassoc::detail::Operation;
 using korassoc::detail::State;
+
+namespace {
+
+// Hands each report of a query to the listener that is installed when it comes: a report may install another
+// one, which deletes the former.
+class InstalledListener final : public ProgressListener {
+ public:
+  explicit InstalledListener(const CarmaSettings& settings) : settings_(settings) {}
+
+  void OnProgress(ProgressReport* report) override {
+    if (ProgressListener* listener = settings_.GetProgressListener()) listener->OnProgress(report);
+  }
+  // Null when there is none: then nothing is reported.
+  ProgressListener* get() { return settings_.GetProgressListener() != nullptr ? this : nullptr; }
+
+ private:
+  const CarmaSettings& settings_;
+};
+
+}  // namespace
 
 CarmaAssociationAlgorithm::CarmaAssociationAlgorithm(CarmaSettings* settings, MultiPassTransIter* iterator)
     : settings_(settings), iterator_(iterator), state_(&PhaseIContext::instance()) {
@@ -115,7 +136,8 @@ KorStatus CarmaAssociationAlgorithm::ask(Operation operation, const Query& query
 KorStatus CarmaAssociationAlgorithm::CreateNgetRules(double minSupport, double minConfidence,
                                                      std::vector<AssociationRule>& rules) {
   return ask(Operation::CreateNgetRules, [&](SetDictionary& dictionary) {
-    return dictionary.createRules(minSupport, minConfidence, rules, settings_->GetProgressListener(), true);
+    return dictionary.createRules(minSupport, minConfidence, rules, InstalledListener(*settings_).get(),
+                                  true);
   });
 }
 
@@ -129,7 +151,7 @@ KorStatus CarmaAssociationAlgorithm::GetRulesSpecial(
                                           sortBy, antecedentRequired, antecedentAllowed, minAntecedentLength,
                                           maxAntecedentLength, consequentRequired, consequentAllowed,
                                           minConsequentLength, maxConsequentLength, maxRules,
-                                          minimalAntecedentsOnly, rules, settings_->GetProgressListener());
+                                          minimalAntecedentsOnly, rules, InstalledListener(*settings_).get());
   });
 }
 
@@ -143,7 +165,7 @@ KorStatus CarmaAssociationAlgorithm::GetItemsSpecial(double minConfidence, doubl
     return dictionary.createFilteredConsequents(minConfidence, maxConfidence, minSupport, maxSupport, minLift,
                                                 sortBy, antecedentRequired, antecedentAllowed,
                                                 minAntecedentLength, maxAntecedentLength, consequentAllowed,
-                                                maxItems, items, settings_->GetProgressListener());
+                                                maxItems, items, InstalledListener(*settings_).get());
   });
 }
 
@@ -159,7 +181,7 @@ SemiLattice* CarmaAssociationAlgorithm::GetLattice() { return state_.load()->Get
 KorStatus CarmaAssociationAlgorithm::ExportRulesXML(std::ostream& out, double minSupport,
                                                     double minConfidence, bool nonRedundant) {
   return ask(Operation::ExportRulesXML, [&](SetDictionary& dictionary) {
-    return dictionary.exportRulesXML(out, minSupport, minConfidence, settings_->GetProgressListener(),
+    return dictionary.exportRulesXML(out, minSupport, minConfidence, InstalledListener(*settings_).get(),
                                      nonRedundant);
   });
 }

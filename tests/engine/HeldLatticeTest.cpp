@@ -275,3 +275,29 @@ TEST(HeldLattice, WritesPackedSetsThatAreLookedAtMeanwhile) {
   EXPECT_FALSE(sets.isPacked());
   EXPECT_EQ(buffer.str(), expected.str());
 }
+
+// The engine asks for the listener anew at each report.
+TEST(Queries, ReportToTheListenerThatIsInstalled) {
+  int former = 0;
+  int reports = 0;
+  int living = 0;
+  AfterPhaseII host;
+  host.settings->GetDictionarySettings().SetReportFrequency(1);
+  struct Replacing : ProgressListener {
+    explicit Replacing(std::function<void()> how) : replace(std::move(how)) {}
+    void OnProgress(ProgressReport*) override {
+      const std::function<void()> last = replace;  // this object is gone when it returns
+      last();
+    }
+    std::function<void()> replace;
+  };
+  host.engine->SetProgressListener(new Replacing([&] {
+    ++former;
+    host.engine->SetProgressListener(new TestListener([&](ProgressReport&) { ++reports; }, &living));
+  }));
+  std::vector<AssociationRule> rules;
+  EXPECT_EQ(shortForm(host.engine->CreateNgetRules(0.1, 0.1, rules)), "OK");
+  EXPECT_EQ(former, 1);
+  EXPECT_GT(reports, 2);
+  EXPECT_EQ(living, 1);
+}
