@@ -97,8 +97,9 @@ class KORASSOC_EXPORT CarmaAssociationAlgorithm {
   // Reads at most transactions further transactions, and prunes at the end of the call: so the size of the
   // calls has a part in the result, unless all end at a multiple of the pruning frequency. 0 or less changes
   // nothing and is OK. Code 1, warning: stopped by Cancel. Code 3, error: memory was full and nothing could
-  // be evicted. Code 40001, warning: an exception in the work or in a callback, no support source or no
-  // iterator; a line goes to standard output.
+  // be evicted. Code 40001, error: the dictionary failed at a transaction, which is counted in part then.
+  // Code 40001, warning: another exception in the work or in a callback, no support source or no iterator; a
+  // line goes to standard output. After either a further call goes on with the next transaction.
   KorAssoc::KorStatus RunPhaseI(int transactions);
 
   // Closes phase I if it is open, reads the same transactions again and builds the lattice from exact counts.

@@ -1,14 +1,10 @@
-// Memory that runs out at any moment of any operation: a status says so, nothing is thrown, and what was
-// counted is either complete or as it was before.
+// Memory that runs out at any moment of a phase I step or of a complete pass: what was counted is whole.
+// The other operations: PassAllocationsTest, StateAllocationsTest, QueryAllocationsTest.
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <iostream>
 #include <map>
 #include <memory>
-#include <sstream>
-#include <string>
 #include <vector>
 
 #include "korassoc/dictionary/CarmaSetDescriptor.h"
@@ -16,7 +12,6 @@
 #include "korassoc/engine/DictionarySettings.h"
 #include "tests/support/EngineHost.h"
 #include "tests/support/FailingAllocator.h"
-#include "tests/support/StreamCapture.h"
 #include "tests/support/VectorTransactions.h"
 
 namespace {
@@ -152,82 +147,4 @@ TEST(RunPhaseIIcomplete, KeepsWhatPhaseILeftWhenMemoryRunsOut) {
                                                       {{2, 3}, 5}, {{1, 2, 3}, 3}};
     EXPECT_EQ(countsOf(dictionary), expected);
   }
-}
-
-TEST(Facade, AnswersWithAStatusWhereverMemoryRunsOut) {
-  const StreamCapture output(std::cout);
-  const StreamCapture errors(std::cerr);
-  struct Step {
-    const char* what;
-    KorAssoc::KorStatus (*run)(CarmaAssociationAlgorithm&);
-  };
-  const Step steps[] = {
-      {"RunPhaseI", [](CarmaAssociationAlgorithm& engine) { return engine.RunPhaseI(6); }},
-      {"RunPhaseII", [](CarmaAssociationAlgorithm& engine) { return engine.RunPhaseII(); }},
-      {"RunPhaseIIrandom", [](CarmaAssociationAlgorithm& engine) { return engine.RunPhaseIIrandom(); }},
-      {"RunNullPhaseII", [](CarmaAssociationAlgorithm& engine) { return engine.RunNullPhaseII(0.0); }},
-      {"CreateNgetRules",
-       [](CarmaAssociationAlgorithm& engine) {
-         std::vector<AssociationRule> rules;
-         return engine.CreateNgetRules(0.3, 0.3, rules);
-       }},
-      {"GetRulesSpecial",
-       [](CarmaAssociationAlgorithm& engine) {
-         std::vector<AssociationRule> rules;
-         return engine.GetRulesSpecial(0, 1, 0, 1, 0, 'C', nullptr, nullptr, 0, 9, nullptr, nullptr, 0, 9, 9,
-                                       false, rules);
-       }},
-      {"GetItemsSpecial",
-       [](CarmaAssociationAlgorithm& engine) {
-         std::vector<ConsequentDescriptor> items;
-         return engine.GetItemsSpecial(0, 1, 0, 1, 0, 'C', nullptr, nullptr, 0, 9, nullptr, 9, items);
-       }},
-      {"ExportRulesXML",
-       [](CarmaAssociationAlgorithm& engine) {
-         std::ostream nowhere(nullptr);
-         return engine.ExportRulesXML(nowhere, 0.3, 0.3, false);
-       }},
-      {"ExportLatticeXML",
-       [](CarmaAssociationAlgorithm& engine) {
-         std::ostream nowhere(nullptr);
-         return engine.ExportLatticeXML(nowhere);
-       }},
-  };
-  for (const Step& step : steps) {
-    bool done = false;
-    for (int allocations = 0; !done; ++allocations) {
-      ASSERT_LT(allocations, kNeverSoMany) << step.what;
-      SmallEngine host;
-      const std::string what = step.what;
-      if (what != "RunPhaseI") {
-        ASSERT_TRUE(host.engine->RunPhaseI(6).IsOK());
-        if (what.find("Run") != 0) {
-          ASSERT_TRUE(host.engine->RunPhaseII().IsOK());
-        }
-      }
-      KorAssoc::KorStatus status;
-      {
-        const FailingAllocator limit(allocations);
-        ASSERT_NO_THROW(status = step.run(*host.engine)) << what << ", " << allocations << " allocations";
-      }
-      done = status.IsOK();
-      ASSERT_TRUE(done || status.GetCode() == 40001 || status.GetCode() == 6)
-          << what << ", " << allocations << " allocations: " << shortForm(status);
-    }
-  }
-}
-
-TEST(Construction, LeavesAnUnusableEngineWhereverMemoryRunsOut) {
-  const auto settings = settingsWithSupport(0.3);
-  VectorTransactions source(kTransactions);
-  int failures = 0;
-  for (bool done = false; !done; ++failures) {
-    ASSERT_LT(failures, kNeverSoMany);
-    const FailingAllocator limit(failures + 1);  // one for the engine itself
-    const auto engine = std::make_unique<CarmaAssociationAlgorithm>(settings.get(), &source);
-    done = engine->GetStatus().IsOK();
-    EXPECT_TRUE(done || engine->GetStatus() == error(5));
-    EXPECT_EQ(engine->NumberOfSets(), done ? 1 : -1);
-  }
-  EXPECT_GT(failures, 1);
 }

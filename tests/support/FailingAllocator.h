@@ -2,12 +2,24 @@
 
 #pragma once
 
-// While one lives, the given number of allocations with new still succeed, and all later ones throw
-// std::bad_alloc.
+#include <cstddef>
+
+// While one lives, the given number of allocations with new still succeed; then the next one throws
+// std::bad_alloc, and so do all later ones unless it is told to fail once. One at a time.
 class FailingAllocator {
  public:
-  explicit FailingAllocator(int allocations);
+  enum class Failing { kFromThenOn, kOnce };
+  static constexpr int kNever = -1;  // no allocation fails: they are counted
+
+  explicit FailingAllocator(int allocations, Failing failing = Failing::kFromThenOn);
   FailingAllocator(const FailingAllocator&) = delete;
   FailingAllocator& operator=(const FailingAllocator&) = delete;
   ~FailingAllocator();
+
+  // Allocations asked for since it was made, and how many of them failed.
+  int asked() const;
+  int failed() const;
+
+  // Blocks that were allocated with new and not deleted yet.
+  static long long livingBlocks();
 };
