@@ -186,9 +186,16 @@ class KORASSOC_EXPORT CarmaAssociationAlgorithm {
   // times the number of transactions, 1 at least; an integer up to rounding noise counts as that integer.
   // Reads the source to its end, once or as often as the settings' index budget calls for. An item that a
   // transaction repeats counts once. Codes 1, 2 and 40001 as for RunPhaseII. Code 3, error: there are more
-  // such sets than the settings allow in memory; the dictionary then holds what phase I left. Code 40001,
+  // such sets than the settings allow in memory, which is said as soon as it is certain; the dictionary then
+  // holds what phase I left, and CountThatFits() helps. Code 40001,
   // error, and nothing changed, with phase I still open: minSupport is below 0, above 1 or NaN.
   KorAssoc::KorStatus RunPhaseIIcomplete(double minSupport);
+
+  // When the last RunPhaseIIcomplete answered code 3: a number of transactions that few enough itemsets
+  // reach. Over the same transactions and within the same limit, a support of that count, or of any higher
+  // one, succeeds. 0 when none is known: too many itemsets are in as many transactions as any item is, or the
+  // source could not be read again. 0 also after any other answer.
+  int CountThatFits() const { return countThatFits_; }
 
   // Product, version and copyright line.
   static std::string GetComponentVersion();
@@ -275,6 +282,7 @@ class KORASSOC_EXPORT CarmaAssociationAlgorithm {
   int setsRemoved_ = 0;           // by the prunings of phase I
   int peakSets_ = 0;              // the most sets at a pruning point of phase I
   double currentSupport_ = 0.0;   // what the support source said last
+  int countThatFits_ = 0;         // after a complete pass that found too many itemsets
   int transactionsSeen_ = 0;      // by the end of the last good call of RunPhaseI
   double supportCount_ = 1.0;     // the count of the last pruning in phase I
   bool phaseIResumable_ = false;  // phase I stands between two calls, the last of which was good

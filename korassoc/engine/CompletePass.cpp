@@ -2,27 +2,74 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 
+#include "korassoc/engine/CertainItemsets.h"
+#include "korassoc/engine/FittingCount.h"
 #include "korassoc/engine/PassedFilter.h"
 #include "korassoc/itemsets/CountBound.h"
 
 namespace korassoc::detail {
+
+// Keeps the watch informed while itemsets are enumerated.
+class CompletePass::Pulse {
+ public:
+  // sets: found already.
+  explicit Pulse(const Watch& watch, int sets = 0)
+      : watch_(watch),
+        callsAfter_(watch.itemsetsBetweenCalls > 0 ? watch.itemsetsBetweenCalls : kNever),
+        sets_(sets) {}
+
+  // Tell of an itemset found, and of a look at the work: many sets tried, or one item. A look counts as work,
+  // too: a search that finds nothing for a long time must still be heard of. False when it was cancelled.
+  bool found() {
+    constexpr int kSetsBetweenLooks = 1024;
+    if (++sets_ % kSetsBetweenLooks == 0 && !goesOn()) return false;
+    return work(1);
+  }
+  bool look() {
+    constexpr int kSetsOfALook = 64;
+    return goesOn() && work(kSetsOfALook);
+  }
+
+  int sets() const { return sets_; }
+
+ private:
+  static constexpr int kNever = std::numeric_limits<int>::max();
+
+  bool goesOn() const { return !watch_.cancelled(); }
+
+  bool work(int sets) {
+    if (callsAfter_ == kNever) return true;
+    work_ += sets;
+    if (work_ < callsAfter_) return true;
+    work_ = 0;
+    watch_.onFound(sets_);
+    return goesOn();  // the call may have cancelled the pass
+  }
+
+  const Watch& watch_;
+  int callsAfter_;
+  std::int64_t work_ = 0;  // since the last call of onFound
+  int sets_;
+};
 
 // Sorts the itemsets by their sizes and puts the items themselves in the place of their ranks.
 class CompletePass::Collector final : public ItemsetSink {
  public:
   explicit Collector(CompletePass& pass)
       : pass_(pass),
-        callsAfter_(pass.watch_.itemsetsBetweenCalls > 0 ? pass.watch_.itemsetsBetweenCalls : kNever) {}
+        pulse_(pass.watch_),
+        lookAheadAt_(std::max(pass.limits_.lookAheadSets,
+                              pass.limits_.maxSets / std::max(pass.limits_.lookAheadPart, 1))) {}
 
   bool take(const std::uint32_t* ranks, std::size_t n, int count) override {
-    if (sets_ >= pass_.limits_.maxSets) {
+    if (pulse_.sets() >= pass_.limits_.maxSets ||
+        (pulse_.sets() == lookAheadAt_ && pass_.tooManyAreCertain())) {
       outcome_ = Outcome::kTooManySets;
       return false;
     }
-    constexpr int kSetsBetweenLooks = 1024;
-    if (++sets_ % kSetsBetweenLooks == 0 && !mayGoOn()) return false;
-    if (!work(1)) return false;
+    if (!goesOn(pulse_.found())) return false;
     std::vector<CompleteLevel>& levels = pass_.found_.levels;
     if (levels.size() < n) levels.resize(n);
     std::vector<int>& items = levels[n - 1].items;
@@ -32,37 +79,19 @@ class CompletePass::Collector final : public ItemsetSink {
     return true;
   }
 
-  // The walk asks when it has tried to extend many sets, or one item. That counts as work, too: a search that
-  // finds nothing for a long time must still be heard of.
-  bool goesOn() override {
-    constexpr int kSetsOfALook = 64;
-    return mayGoOn() && work(kSetsOfALook);
-  }
+  bool goesOn() override { return goesOn(pulse_.look()); }
 
   Outcome outcome() const { return outcome_; }
 
  private:
-  static constexpr int kNever = std::numeric_limits<int>::max();
-
-  bool mayGoOn() {
-    if (pass_.watch_.cancelled()) outcome_ = Outcome::kCancelled;
+  bool goesOn(bool notCancelled) {
+    if (!notCancelled) outcome_ = Outcome::kCancelled;
     return outcome_ == Outcome::kDone;
   }
 
-  // Adds to the work since the last call of onFound, and makes the next one when it is due.
-  bool work(int sets) {
-    if (callsAfter_ == kNever) return true;
-    work_ += sets;
-    if (work_ < callsAfter_) return true;
-    work_ = 0;
-    pass_.watch_.onFound(sets_);
-    return mayGoOn();  // the call may have cancelled the pass
-  }
-
   CompletePass& pass_;
-  int callsAfter_;
-  std::int64_t work_ = 0;
-  int sets_ = 0;
+  Pulse pulse_;
+  int lookAheadAt_;
   Outcome outcome_ = Outcome::kDone;
 };
 
@@ -109,19 +138,33 @@ CompletePass::Outcome CompletePass::run() {
     if (!collector.take(&rank, 1, ranked_.counts[rank])) return collector.outcome();
   }
   if (limits_.maxLength < 2) return Outcome::kDone;
-  const Outcome enumerated = blocks_ != nullptr ? enumerateBlocks(collector) : enumerateIndex(collector);
+  const Outcome enumerated = blocks_ != nullptr ? enumerateBlocks(collector) : enumerateRows(collector);
   return enumerated == Outcome::kDone ? collector.outcome() : enumerated;
 }
 
 // What follows answers whether the source was read; whether the sink went on is for the sink to say.
 
-CompletePass::Outcome CompletePass::enumerateIndex(ItemsetSink& sink) {
-  if (!index_.complete()) return enumerateInParts(sink);
+bool CompletePass::tooManyAreCertain() const {
+  if (now_.rows == nullptr) return false;
+  // The single items are found whatever their pairs are.
+  const double enough = static_cast<double>(limits_.maxSets) - static_cast<double>(ranked_.items.size());
+  return certainItemsets(*now_.rows, now_.firstRank, now_.endRank, ranked_.counts, minCount_,
+                         static_cast<std::size_t>(limits_.maxLength), enough) > enough;
+}
+
+CompletePass::Outcome CompletePass::enumerateRows(ItemsetSink& sink) {
+  ItemsetEnumerator enumerator(minCount_, static_cast<std::size_t>(limits_.maxLength), sink);
+  const auto enumerate = [&](const RankedRows& rows, std::size_t firstRank, std::size_t endRank) {
+    now_ = {&rows, firstRank, endRank};
+    const bool wentOn = enumerator.enumerate(rows, firstRank, endRank);
+    now_ = {};
+    return wentOn;
+  };
+  if (!index_.complete()) return enumerateInParts(enumerate);
   RankedRows rows;
   index_.toRows(ranked_, rows);
   index_.giveUp();
-  ItemsetEnumerator(minCount_, static_cast<std::size_t>(limits_.maxLength), sink)
-      .enumerate(rows, 0, ranked_.items.size());
+  enumerate(rows, 0, ranked_.items.size());
   return Outcome::kDone;
 }
 
@@ -131,7 +174,7 @@ CompletePass::Outcome CompletePass::enumerateBlocks(ItemsetSink& sink) {
   blocks_.reset();
   if (passed_.size() == 0) return Outcome::kDone;
   PassedFilter filter(passed_, sink);
-  return enumerateInParts(filter);
+  return enumerateRows(filter);  // which is not complete: the sample has given it up
 }
 
 bool CompletePass::sampleIsFull() const {
@@ -185,11 +228,11 @@ CompletePass::Outcome CompletePass::costsOfRanks(std::vector<std::uint64_t>& cos
   });
 }
 
-CompletePass::Outcome CompletePass::enumerateInParts(ItemsetSink& sink) {
+template <typename Enumerate>
+CompletePass::Outcome CompletePass::enumerateInParts(Enumerate&& enumerate) {
   std::vector<std::uint64_t> costs;
   const Outcome costed = costsOfRanks(costs);
   if (costed != Outcome::kDone) return costed;
-  ItemsetEnumerator enumerator(minCount_, static_cast<std::size_t>(limits_.maxLength), sink);
   RankedRows rows;
   for (std::size_t first = 0; first < costs.size();) {
     std::uint64_t bytes = costs[first];
@@ -202,10 +245,34 @@ CompletePass::Outcome CompletePass::enumerateInParts(ItemsetSink& sink) {
     });
     if (read != Outcome::kDone) return read;
     rows.listOccurrences(ranked_.items.size());
-    if (!enumerator.enumerate(rows, first, end)) break;
+    if (!enumerate(rows, first, end)) break;
     first = end;
   }
   return Outcome::kDone;
+}
+
+int CompletePass::countThatFits() {
+  // What the pass has found is a measure of its work, and at most maxSets.
+  const auto mayPass = static_cast<int>(found_.size());
+  found_.levels = {};
+  passed_ = {};
+  blocks_.reset();
+  const int firstCount = saturatingSum(minCount_, 1);
+  try {
+    ranked_ = items_.rank(firstCount);
+    if (ranked_.counts.empty()) return 0;
+    Pulse pulse(watch_, mayPass);
+    FittingCount fitting(firstCount, ranked_.counts.front(), static_cast<std::size_t>(limits_.maxLength),
+                         mayPass, [&pulse] { return pulse.look(); });
+    for (const int count : ranked_.counts) fitting.takeItem(count);
+    const Outcome enumerated =
+        enumerateInParts([&](const RankedRows& rows, std::size_t firstRank, std::size_t endRank) {
+          return fitting.enumerate(rows, firstRank, endRank);
+        });
+    return enumerated == Outcome::kDone && !watch_.cancelled() ? fitting.count() : 0;
+  } catch (const std::bad_alloc&) {
+    return 0;
+  }
 }
 
 }  // namespace korassoc::detail

@@ -32,6 +32,10 @@ struct CompletePassLimits {
   // A block has this many transactions, or this much of the index.
   int blockTransactions = 1 << 15;
   std::uint64_t blockBytes = std::uint64_t{1} << 23;
+  // When so many itemsets have been found, or this part of maxSets if it is more, the pass looks whether more
+  // than maxSets are certain to come.
+  int lookAheadSets = 1 << 16;
+  int lookAheadPart = 16;
 };
 
 // Reads the source to its end and counts the items. What becomes of the transactions:
@@ -73,8 +77,23 @@ class CompletePass {
   // What run() found, when it is done.
   const CompleteItemsets& itemsets() const { return found_; }
 
+  // After kTooManySets: a count of transactions that at most maxSets itemsets reach, usually the least one or
+  // close to it. Reads the source again and takes as long as the pass has taken, in proportion to the sets it
+  // has found, and no memory for them: what run() found is given up. 0 when no count is known: the pass was
+  // cancelled, memory ran out, or too many itemsets are in as many transactions as an item can be. Exceptions
+  // of the source and of the watch are let through.
+  int countThatFits();
+
  private:
+  class Pulse;
   class Collector;
+
+  // Rows that are being enumerated, for itemsets whose least frequent item is of these ranks.
+  struct Enumerated {
+    const RankedRows* rows = nullptr;
+    std::size_t firstRank = 0;
+    std::size_t endRank = 0;
+  };
 
   template <typename Handle>
   Outcome readAll(Handle&& handle);
@@ -82,9 +101,11 @@ class CompletePass {
   Outcome readRows(Handle&& handle);
   bool sampleIsFull() const;
   void startBlocks();
-  Outcome enumerateIndex(ItemsetSink& sink);
+  bool tooManyAreCertain() const;
+  Outcome enumerateRows(ItemsetSink& sink);
   Outcome enumerateBlocks(ItemsetSink& sink);
-  Outcome enumerateInParts(ItemsetSink& sink);
+  template <typename Enumerate>
+  Outcome enumerateInParts(Enumerate&& enumerate);
   Outcome costsOfRanks(std::vector<std::uint64_t>& costs);
 
   MultiPassTransIter& source_;
@@ -98,6 +119,7 @@ class CompletePass {
   int minCount_ = 1;
   RankedItems ranked_;  // the frequent items
   PassedSets passed_;   // what was not expected of the blocks
+  Enumerated now_;
   CompleteItemsets found_;
 };
 

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -32,6 +33,9 @@ class ItemsetEnumerator {
   // Finds the sets of two and more items whose least frequent item has a rank in [firstRank, endRank). False
   // when the sink stopped it.
   bool enumerate(const RankedRows& rows, std::size_t firstRank, std::size_t endRank);
+
+  // From now on looks for sets of this count alone, if it is higher. The sink may call this in the middle.
+  void raiseMinCount(int minCount) { minCount_ = std::max(minCount_, minCount); }
 
  private:
   friend class ItemsetWalk<ItemsetEnumerator>;

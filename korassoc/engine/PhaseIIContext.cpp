@@ -140,6 +140,7 @@ KorStatus PhaseIIContext::countCompletely(Engine& engine, double minSupport) con
   CarmaCore& core = *engine.core_;
   core.noteTransactionII(0);
   core.noteItemsets(0);
+  engine.countThatFits_ = 0;
   const CompletePass::Watch watch{
       .cancelled = [&engine] { return engine.cancelRequested_.load(); },
       .onRead =
@@ -168,7 +169,9 @@ KorStatus PhaseIIContext::countCompletely(Engine& engine, double minSupport) con
     case CompletePass::Outcome::kNotRestarted:
       return KorStatus(2, false);
     case CompletePass::Outcome::kTooManySets:
-      return KorStatus(3, false);
+      engine.countThatFits_ = pass.countThatFits();
+      if (!engine.cancelRequested_) return KorStatus(3, false);
+      [[fallthrough]];
     case CompletePass::Outcome::kCancelled:
       engine.doCancel();
       return engine.currentStatus_;
