@@ -6,13 +6,13 @@
 #include <filesystem>
 #include <limits>
 #include <optional>
-#include <random>
 #include <utility>
 
 #include "cli/CliError.h"
 #include "cli/Notes.h"
 #include "cli/StandardOutputGuard.h"
 #include "cli/Stopwatch.h"
+#include "cli/process/TemporaryFiles.h"
 
 namespace korassoc::cli {
 namespace {
@@ -106,9 +106,10 @@ void Mining::limitMemory() {
   dictionary.SetLeaveInMainStoreCount(1);
   if (!plan_.spillFolder) return;
   dictionary.SetDiskSpill(true);
-  const std::string name =
-      fmt::format("korassoc-{:08x}{:08x}.spill", std::random_device{}(), std::random_device{}());
-  dictionary.SetSpillFileName((std::filesystem::path(*plan_.spillFolder) / name).string().c_str());
+  removeLeftovers(*plan_.spillFolder);
+  spillFile_ = std::make_unique<RemovedBySignal>(
+      (std::filesystem::path(*plan_.spillFolder) / newSpillName()).string());
+  dictionary.SetSpillFileName(spillFile_->path().c_str());
 }
 
 void Mining::run() {

@@ -13,6 +13,7 @@
 #include "cli/SupportOption.h"
 #include "cli/input/Baskets.h"
 #include "cli/input/TwoPassBaskets.h"
+#include "cli/process/Signals.h"
 #include "korassoc/korassoc.h"
 
 namespace korassoc::cli {
@@ -79,7 +80,9 @@ class Mining {
   int room_;  // for itemsets in memory, the empty one included
   TwoPassBaskets source_;
   CarmaSettings settings_;
-  std::unique_ptr<CarmaAssociationAlgorithm> engine_;  // works with the two above
+  std::unique_ptr<RemovedBySignal>
+      spillFile_;  // null when nothing is spilled; the engine makes and removes it
+  std::unique_ptr<CarmaAssociationAlgorithm> engine_;  // works with the three above
   double extensions_ = 0;                              // the first pass's work when it was last looked at
 
   void limitMemory();

@@ -7,12 +7,12 @@
 #include <cstring>
 #include <memory>
 #include <ostream>
-#include <random>
 #include <utility>
 
 #include "cli/CliError.h"
 #include "cli/Printable.h"
 #include "cli/output/FileSink.h"
+#include "cli/process/TemporaryFiles.h"
 
 #if !defined(_WIN32)
 #include <unistd.h>
@@ -24,7 +24,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kMostLinks = 40;
-constexpr int kAttempts = 8;
 
 // Where a path leads, also when nothing is there yet.
 fs::path followed(fs::path path, std::error_code& error) {
@@ -41,17 +40,6 @@ fs::path followed(fs::path path, std::error_code& error) {
 fs::path folderOf(const fs::path& path) {
   const fs::path folder = path.parent_path();
   return folder.empty() ? fs::path(".") : folder;
-}
-
-std::string randomDigits() {
-  static constexpr char kDigits[] = "0123456789abcdef";
-  std::random_device random;
-  std::string digits;
-  for (int word = 0; word < 4; ++word) {
-    unsigned int bits = random();
-    for (int digit = 0; digit < 8; ++digit, bits >>= 4) digits += kDigits[bits & 15U];
-  }
-  return digits;
 }
 
 #if defined(_WIN32)
@@ -78,45 +66,6 @@ bool isOpenAs(int descriptor, const fs::path& file) {
 }
 #endif
 
-// A new file beside the target, which is removed unless it is moved there.
-class NewFile {
- public:
-  explicit NewFile(const fs::path& target) : target_(target) {
-    for (int attempt = 0; attempt < kAttempts; ++attempt) {
-      path_ = folderOf(target) / (".korassoc-" + randomDigits() + ".tmp");
-      sink_ = FileSink::createNew(path_.string(), target_.string());
-      error_ = sink_ == nullptr ? errno : 0;
-      if (error_ != EEXIST) return;
-    }
-  }
-  NewFile(const NewFile&) = delete;
-  NewFile& operator=(const NewFile&) = delete;
-  ~NewFile() {
-    if (sink_ == nullptr || moved_) return;
-    sink_.reset();
-    std::error_code ignored;
-    fs::remove(path_, ignored);
-  }
-
-  // The errno of what failed, 0 when nothing did.
-  int error() const { return error_; }
-  FileSink& sink() { return *sink_; }
-
-  void moveIntoPlace() {
-    std::error_code error;
-    fs::rename(path_, target_, error);
-    error_ = error.value();
-    moved_ = !error;
-  }
-
- private:
-  fs::path target_;
-  fs::path path_;
-  std::unique_ptr<FileSink> sink_;
-  int error_ = 0;
-  bool moved_ = false;
-};
-
 }  // namespace
 
 DocumentFile::DocumentFile(const std::string& path) : name_(printable(path)) {
@@ -138,8 +87,8 @@ DocumentFile::DocumentFile(const std::string& path) : name_(printable(path)) {
     }
     if (!mayReplace(target_)) fail(EACCES);
   }
-  const NewFile trial(target_);
-  if (trial.error() != 0) fail(trial.error());
+  removeLeftovers(folderOf(target_));
+  tryFolder();
 }
 
 void DocumentFile::write(const Writer& writer) const {
@@ -157,15 +106,22 @@ bool DocumentFile::isSameAs(const fs::path& path) const {
 
 bool DocumentFile::isStandardInput() const { return !direct_ && isOpenAs(kInput, target_); }
 
+// A system that makes files without a name may yet be unable to give them one.
+void DocumentFile::tryFolder() {
+  if (NewFile(target_, NewFile::Naming::kLate).giveName()) return;
+  naming_ = NewFile::Naming::kEarly;
+  const NewFile trial(target_, naming_);
+  if (trial.error() != 0) fail(trial.error());
+}
+
 void DocumentFile::replaceTarget(const Writer& writer) const {
-  NewFile file(target_);
+  NewFile file(target_, naming_);
   if (file.error() != 0) fail(file.error());
   std::ostream out(&file.sink());
   writer(out);
-  if (!file.sink().finish()) fail(file.sink().error());
+  if (!file.complete()) fail(file.error());
   if (!out.good()) fail(EIO);
-  file.moveIntoPlace();
-  if (file.error() != 0) fail(file.error());
+  if (!file.replaceTarget()) fail(file.error());
   FileSink::syncFolder(folderOf(target_).string());  // the document is in place whatever comes of it
 }
 
@@ -174,7 +130,7 @@ void DocumentFile::writeDirectly(const Writer& writer) const {
   if (sink == nullptr) fail(errno);
   std::ostream out(sink.get());
   writer(out);
-  if (!sink->finish()) fail(sink->error());
+  if (!sink->finish() || !sink->close()) fail(sink->error());
   if (!out.good()) fail(EIO);
 }
 

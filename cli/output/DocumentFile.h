@@ -7,21 +7,20 @@
 #include <iosfwd>
 #include <string>
 
+#include "cli/output/NewFile.h"
+
 namespace korassoc::cli {
 
-// write() writes a new file beside the place where it is to be, and puts it there when every byte is on the
-// disk:
-//
-//   FILE's folder   .korassoc-1f0c...tmp  --written, flushed, synced, closed-->  renamed to FILE
-//
-// So FILE holds either what it held before or the whole document, whatever happens, and a failure leaves
-// nothing behind. A file of our own that is replaced hands its permissions on (FileSink::createNew says which
-// of somebody else's); a link is followed, not replaced. What is no file (a device, a pipe) cannot be
-// replaced and is written to directly.
+// write() writes a new file in the folder where it is to be, and puts it there when every byte is on the disk
+// (NewFile). So FILE holds either what it held before or the whole document, whatever happens, and a failure or
+// a signal leaves nothing behind. A file of our own that is replaced hands its permissions on
+// (FileSink::createNew says which of somebody else's); a link is followed, not replaced. What is no file (a
+// device, a pipe) cannot be replaced and is written to directly.
 class DocumentFile {
  public:
-  // Makes sure that a file can be made there, before the work is done that fills it. Throws CliError:
-  // kRunFailed, with the file and the reason, and kUsage for what cannot be meant.
+  // Makes sure that a file can be made there, before the work is done that fills it; removes from the folder
+  // what earlier runs have left. Throws CliError: kRunFailed, with the file and the reason, and kUsage for what
+  // cannot be meant.
   explicit DocumentFile(const std::string& path);
 
   // Replaces the file by what the writer writes. The writer need not look at the stream's state. Throws
@@ -38,6 +37,7 @@ class DocumentFile {
   bool isStandardInput() const;
 
  private:
+  void tryFolder();
   void replaceTarget(const Writer& writer) const;
   void writeDirectly(const Writer& writer) const;
   [[noreturn]] void fail(int error) const;
@@ -45,6 +45,7 @@ class DocumentFile {
   std::string name_;              // for messages
   std::filesystem::path target_;  // with links followed
   bool direct_ = false;           // it is no file
+  NewFile::Naming naming_ = NewFile::Naming::kLate;
 };
 
 }  // namespace korassoc::cli

@@ -37,10 +37,21 @@ int syncFile(int descriptor) { return ::_commit(descriptor); }
 int closeFile(int descriptor) { return ::_close(descriptor); }
 void syncNames(const char*) {}
 int openNew(const char* path, const char*) { return openFile(path, kNewFile); }
+int openUnnamed(const char*, const char*) {
+  errno = ENOTSUP;
+  return -1;
+}
+int nameFile(int, const char*) {
+  errno = ENOTSUP;
+  return -1;
+}
 class FileSizeSignalOff {};
 #else
 constexpr int kNewFile = O_WRONLY | O_CLOEXEC | O_NOCTTY | O_CREAT | O_EXCL;
 constexpr int kOldFile = O_WRONLY | O_CLOEXEC | O_NOCTTY;
+#if defined(O_TMPFILE)
+constexpr int kUnnamedFile = O_WRONLY | O_CLOEXEC | O_TMPFILE;
+#endif
 constexpr mode_t kEverybody = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
 int openFile(const char* path, int flags, mode_t mode = 0) {
   int descriptor = -1;
@@ -80,23 +91,49 @@ bool takeOver(int descriptor, const struct stat& older, const struct stat& newer
   return ::fchmod(descriptor, mode) == 0;
 }
 
-int openNew(const char* path, const char* replaced) {
+// Opens a new file that is going to replace another; removeNew takes it away again.
+template <typename RemoveNew>
+int openReplacing(const char* path, int flags, const char* replaced, const RemoveNew& removeNew) {
   struct stat older {};
   struct stat newer {};
   const bool replaces = ::stat(replaced, &older) == 0;
   // From the start: whoever has opened the file goes on reading it, whatever permissions it has by then.
   const mode_t mode = replaces ? kEverybody & (older.st_mode | S_IRUSR | S_IWUSR) : kEverybody;
-  const int descriptor = openFile(path, kNewFile, mode);
+  const int descriptor = openFile(path, flags, mode);
   if (descriptor < 0 || !replaces) return descriptor;
   const bool done = ::fstat(descriptor, &newer) == 0 &&
                     (newer.st_uid != older.st_uid || takeOver(descriptor, older, newer));
   if (done) return descriptor;
   const int error = errno;
-  ::unlink(path);
+  removeNew();
   closeFile(descriptor);
   errno = error;
   return -1;
 }
+
+int openNew(const char* path, const char* replaced) {
+  return openReplacing(path, kNewFile, replaced, [path] { ::unlink(path); });
+}
+
+#if defined(O_TMPFILE)
+int openUnnamed(const char* folder, const char* replaced) {
+  return openReplacing(folder, kUnnamedFile, replaced, [] {});
+}
+int nameFile(int descriptor, const char* path) {
+  // The one way that needs no privilege.
+  const std::string open = "/proc/self/fd/" + std::to_string(descriptor);
+  return ::linkat(AT_FDCWD, open.c_str(), AT_FDCWD, path, AT_SYMLINK_FOLLOW);
+}
+#else
+int openUnnamed(const char*, const char*) {
+  errno = ENOTSUP;
+  return -1;
+}
+int nameFile(int, const char*) {
+  errno = ENOTSUP;
+  return -1;
+}
+#endif
 
 // While one lives, a file that grows beyond the limit of the process is an error and not the process's end.
 class FileSizeSignalOff {
@@ -122,6 +159,10 @@ std::unique_ptr<FileSink> FileSink::createNew(const std::string& path, const std
   return over(openNew(path.c_str(), replaced.c_str()));
 }
 
+std::unique_ptr<FileSink> FileSink::createUnnamed(const std::string& folder, const std::string& replaced) {
+  return over(openUnnamed(folder.c_str(), replaced.c_str()));
+}
+
 std::unique_ptr<FileSink> FileSink::openExisting(const std::string& path) {
   return over(openFile(path.c_str(), kOldFile));
 }
@@ -137,14 +178,20 @@ FileSink::FileSink(int descriptor) : descriptor_(descriptor), block_(kBlockBytes
   setp(block_.data(), block_.data() + block_.size());
 }
 
-FileSink::~FileSink() {
-  if (descriptor_ >= 0) closeFile(descriptor_);
-}
+FileSink::~FileSink() { close(); }
 
 bool FileSink::finish() {
-  if (descriptor_ < 0) return error_ == 0;
   if (flush() && syncFile(descriptor_) != 0 && !meansNothingToSync(errno)) error_ = errno;
-  if (closeFile(descriptor_) != 0 && error_ == 0) error_ = errno;
+  return error_ == 0;
+}
+
+bool FileSink::giveName(const std::string& path) {
+  if (error_ == 0 && nameFile(descriptor_, path.c_str()) != 0) error_ = errno;
+  return error_ == 0;
+}
+
+bool FileSink::close() {
+  if (descriptor_ >= 0 && closeFile(descriptor_) != 0 && error_ == 0) error_ = errno;
   descriptor_ = -1;
   return error_ == 0;
 }

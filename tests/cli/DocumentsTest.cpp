@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -218,6 +219,23 @@ TEST_F(Documents, AreNotWrittenOverStandardError) {
   EXPECT_EQ(mine({"--pmml", path("log")}, setting).exitCode, 2);
   ::close(log);
   EXPECT_THAT(folder_.contents("log"), HasSubstr("is where standard error goes"));
+}
+
+TEST_F(Documents, TakeAwayWhatAKilledRunHasLeftADayAgo) {
+  fs::create_directory(path("spill"));
+  const std::string document = ".korassoc-0123456789abcdef0123456789abcdef.tmp";
+  const std::string spill = "spill/korassoc-0123456789abcdef.spill";
+  for (const std::string& name : {document, spill}) {
+    folder_.store(name, "text");
+    fs::last_write_time(path(name), fs::file_time_type::clock::now() - std::chrono::hours(25));
+  }
+  const ToolRun run =
+      mine({"--pmml", path("rules.xml"), "--approximate", "--max-sets", "100", "--spill", path("spill")});
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_THAT(folder_.names(), ElementsAre("baskets", "rules.xml", "spill"));
+  EXPECT_TRUE(fs::is_empty(path("spill")));
+  EXPECT_THAT(run.err,
+              AllOf(HasSubstr("removed       " + path(document)), HasSubstr("removed       " + path(spill))));
 }
 
 }  // namespace

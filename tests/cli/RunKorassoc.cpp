@@ -25,11 +25,14 @@ void limit(decltype(RLIMIT_AS) resource, std::size_t bytes) {
 }
 
 void arrange(const ToolSetting& setting) {
-  for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGTERM, SIGXFSZ}) std::signal(signal, SIG_DFL);
+  for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGTERM, SIGXCPU, SIGXFSZ})
+    std::signal(signal, SIG_DFL);
   for (const int signal : setting.ignoredSignals) std::signal(signal, SIG_IGN);
   for (const auto& [own, tests] : setting.descriptors) {
     if (tests < 0 ? ::close(own) != 0 : ::dup2(tests, own) < 0) ::_exit(120);
   }
+  const rlimit noCore = {0, 0};
+  ::setrlimit(RLIMIT_CORE, &noCore);
   limit(RLIMIT_AS, setting.addressSpaceBytes);
   limit(RLIMIT_FSIZE, setting.fileSizeBytes);
 }
