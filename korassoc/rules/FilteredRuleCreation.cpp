@@ -124,13 +124,16 @@ int FilteredRuleCreation::startOf(int whole, const AntecedentFilter& filter) {
 
 void FilteredRuleCreation::orderAsTable(std::vector<int>& antecedents, std::size_t begin) const {
   if (antecedents.size() - begin < 2) return;
-  HashTable table(dictionary_.settings().GetInitialBoundarySize());
+  // The sets stay the lattice's, also when memory runs out: a table deletes what is in it when it goes.
+  struct LentTable : HashTable {
+    using HashTable::HashTable;
+    ~LentTable() { clear(); }
+  } table(dictionary_.settings().GetInitialBoundarySize());
   for (std::size_t i = begin; i < antecedents.size(); ++i) {
     table.put(const_cast<ItemSet*>(&graph_.set(antecedents[i])), nullptr);  // the table does not change it
   }
   std::size_t next = begin;
   table.forEach([&](const HashTable::Entry& entry) { antecedents[next++] = graph_.find(*entry.key); });
-  table.clear();  // the sets stay the lattice's
 }
 
 void FilteredRuleCreation::emit(const AntecedentTables& tables, RuleList& rules) {

@@ -117,6 +117,18 @@ TEST(Allocations, OfGetRulesSpecial) {
   });
 }
 
+// The antecedents of each set stand in a table for a moment, which must leave them to the lattice.
+TEST(Allocations, OfGetRulesSpecialInTheOrderFound) {
+  failAllocationsOf([](Engine& engine, SetDictionary&, Asked&, Given& given) {
+    return engine.GetRulesSpecial(0, 1, 0.1, 1, 0, 'N', nullptr, nullptr, 0, 9, nullptr, nullptr, 0, 9, -1,
+                                  false, given.rules);
+  });
+  failAllocationsOf([](Engine& engine, SetDictionary&, Asked& asked, Given& given) {
+    return engine.GetRulesSpecial(0, 1, 0.1, 1, 0, 'N', nullptr, &asked.five, 0, 9, &asked.one, nullptr, 1, 2,
+                                  -1, false, given.rules);
+  });
+}
+
 TEST(Allocations, OfGetRulesSpecialOfGivenItems) {
   failAllocationsOf([](Engine& engine, SetDictionary&, Asked& asked, Given& given) {
     return engine.GetRulesSpecial(0, 1, 0.1, 1, 0, 'S', &asked.one, &asked.five, 1, 2, nullptr, &asked.five,
