@@ -7,6 +7,7 @@
 
 #include "korassoc/dictionary/SetDictionary.h"
 #include "korassoc/dictionary/SpillFile.h"
+#include "korassoc/dictionary/UsedSlots.h"
 #include "korassoc/engine/Exceptions.h"
 
 using korassoc::detail::SpillFile;
@@ -95,6 +96,7 @@ SpillStore::SpillStore(SetDictionary* owner, std::unique_ptr<SpillFile> file, in
     return;
   }
   presence_ = std::make_unique<std::bitset<kSlotCount>>();
+  used_ = std::make_unique<korassoc::detail::UsedSlots>(kSlotCount);
   mostBlock_ = std::max<std::size_t>(1, kBlockBytes / slotSize_);
   block_.resize(mostBlock_ * slotSize_);
 }
@@ -133,6 +135,7 @@ int SpillStore::add(ItemSet* set, SetCounter* descriptor) {
   if (lastResult_ >= kFirstSlot) {
     if (writeSlot(static_cast<std::uint64_t>(lastResult_), *set, count)) {
       presence_->set(startPosition(*set));
+      used_->add(foundPosition_);
       ++setCount_;
       return 0;
     }
@@ -192,9 +195,14 @@ SetCounter* SpillStore::increment(const ItemSet* set) {
 int SpillStore::reduce(int level, double minCount) {
   if (level != level_ || file_ == nullptr) return 0;
   int deleted = 0;
-  beginWalk(mostBlock_);
-  for (std::uint32_t position = 0; position < static_cast<std::uint32_t>(kSlotCount) && setCount_ > 0;
-       ++position) {
+  std::uint32_t blockEnd = 0;
+  for (std::uint32_t position = used_->next(0); position < static_cast<std::uint32_t>(kSlotCount);
+       position = used_->next(position + 1)) {
+    if (position >= blockEnd) {
+      const std::size_t stretch = usedStretch(position);
+      beginWalk(stretch);
+      blockEnd = position + static_cast<std::uint32_t>(stretch);
+    }
     const char* slot = slotAt(position);
     if (slot == nullptr) throw new IOException;
     if (*slot == kEmpty || *slot == kDeleted) continue;
@@ -206,11 +214,23 @@ int SpillStore::reduce(int level, double minCount) {
     } else {
       takeBack(position, slot);
     }
+    used_->remove(position);
     --setCount_;
     noteRemoved(count);
   }
   if (setCount_ > 0) throw new IOException;  // somebody else has written to the file: sets are missing
   return deleted;
+}
+
+// How many slots, with the given one, make up one block that ends with a slot in use.
+std::size_t SpillStore::usedStretch(std::uint32_t position) const {
+  const std::uint32_t limit = position + static_cast<std::uint32_t>(mostBlock_);
+  std::uint32_t last = position;
+  for (std::uint32_t slot = position; slot < std::min(limit, static_cast<std::uint32_t>(kSlotCount));
+       slot = used_->next(slot + 1)) {
+    last = slot;
+  }
+  return last - position + 1;
 }
 
 // Hands the set of a slot to the dictionary. The slot goes first, so that the set is never in both places,
@@ -256,6 +276,7 @@ void SpillStore::search(const ItemSet& set) {
     if (lastFound_ || *slot == kEmpty) {
       lastResult_ = offsetOf(position);
       foundSlot_ = slot;
+      foundPosition_ = position;
       return;
     }
     position = position + 1 < static_cast<std::uint32_t>(kSlotCount) ? position + 1 : 0;

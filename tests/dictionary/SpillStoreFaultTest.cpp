@@ -359,6 +359,24 @@ TEST_F(SpillStoreFaults, ASearchIsOneReadAndAnIncrementOneWriteMore) {
   EXPECT_EQ(faults_.writes, writes + 1);
 }
 
+TEST_F(SpillStoreFaults, ReduceReadsTheFileOnlyWhereSetsAre) {
+  add(3, 5);
+  add(3 + kSlots, 6);  // in the next slot
+  add(100000, 7);      // 700,000 slots away
+  int reads = faults_.reads;
+  EXPECT_EQ(store_->reduce(1, 6.0), 1);
+  EXPECT_EQ(faults_.reads, reads + 2);
+  EXPECT_EQ(dictionary_.getCount(3 + kSlots), 6);
+  EXPECT_EQ(dictionary_.getCount(100000), 7);
+
+  add(4, 8);
+  reads = faults_.reads;
+  EXPECT_EQ(store_->reduce(1, 6.0), 0);
+  EXPECT_EQ(faults_.reads, reads + 1) << "the others have left";
+  EXPECT_EQ(store_->reduce(1, 6.0), 0);
+  EXPECT_EQ(faults_.reads, reads + 1);
+}
+
 #if !defined(_WIN32)
 TEST(SpillStoreOnADevice, HasNoFile) {
   for (const char* device : {"/dev/null", "/dev/tty"}) {
