@@ -15,6 +15,7 @@ int plusOne(int value) { return value == std::numeric_limits<int>::max() ? value
 }  // namespace
 
 int toInt(double x) {
+  if (std::isnan(x)) return 0;
   if (x >= 2147483647.0) return std::numeric_limits<int>::max();
   if (x <= -2147483648.0) return std::numeric_limits<int>::min();
   return static_cast<int>(x);

@@ -4,7 +4,7 @@
 
 namespace oracle {
 
-// Toward zero; what int cannot hold becomes its nearest end.
+// Toward zero; what int cannot hold becomes its nearest end, what is no number 0.
 int toInt(double x);
 
 // Equal up to tolerance machine epsilons of the larger magnitude. Zero equals zero alone.

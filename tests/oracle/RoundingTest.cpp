@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace oracle {
 namespace {
 
@@ -31,7 +33,8 @@ TEST(OracleRounding, AgreesWithTheHandWorkedTable) {
                         {-0.2, 0, 1, 1},
                         {-3.2, -3, -2, -2},
                         {2147483647.0, 2147483647, 2147483647, 2147483647},
-                        {1e12, 2147483647, 2147483647, 2147483647}};
+                        {1e12, 2147483647, 2147483647, 2147483647},
+                        {std::numeric_limits<double>::quiet_NaN(), 0, 1, 1}};
   for (const Case& c : cases) {
     EXPECT_EQ(roundedDown(c.x), c.down) << c.x;
     EXPECT_EQ(roundedUp(c.x), c.up) << c.x;

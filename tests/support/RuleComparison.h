@@ -32,16 +32,26 @@ inline bool isSame(const oracle::PlainRule& a, const oracle::PlainRule& b) {
 }
 
 // The first difference in sets, order or figures to the last bit; "" when there is none.
-inline std::string firstDifference(const std::vector<AssociationRule>& rules,
+inline std::string firstDifference(const std::vector<oracle::PlainRule>& rules,
                                    const std::vector<oracle::PlainRule>& expected) {
   for (std::size_t i = 0; i < rules.size() && i < expected.size(); ++i) {
-    const oracle::PlainRule rule = plainRule(rules[i]);
-    if (!isSame(rule, expected[i])) {
-      return "rule " + std::to_string(i) + ": " + text(rule) + " instead of " + text(expected[i]);
+    if (!isSame(rules[i], expected[i])) {
+      return "rule " + std::to_string(i) + ": " + text(rules[i]) + " instead of " + text(expected[i]);
     }
   }
   if (rules.size() != expected.size()) {
     return std::to_string(rules.size()) + " rules instead of " + std::to_string(expected.size());
   }
   return "";
+}
+
+inline std::vector<oracle::PlainRule> plainRules(const std::vector<AssociationRule>& rules) {
+  std::vector<oracle::PlainRule> plain;
+  for (const AssociationRule& rule : rules) plain.push_back(plainRule(rule));
+  return plain;
+}
+
+inline std::string firstDifference(const std::vector<AssociationRule>& rules,
+                                   const std::vector<oracle::PlainRule>& expected) {
+  return firstDifference(plainRules(rules), expected);
 }
