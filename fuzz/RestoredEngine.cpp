@@ -1,13 +1,10 @@
 #include "fuzz/RestoredEngine.h"
 
-#include <cstdio>
-#include <cstdlib>
-#include <iostream>
 #include <sstream>
-#include <streambuf>
 #include <utility>
 #include <vector>
 
+#include "fuzz/Checks.h"
 #include "korassoc/dictionary/SemiLattice.h"
 #include "korassoc/dictionary/SetDictionary.h"
 #include "korassoc/engine/CarmaSettings.h"
@@ -23,30 +20,6 @@ namespace fuzz {
 namespace {
 
 using Engine = CarmaAssociationAlgorithm;
-
-// Takes every character and keeps none.
-class Nowhere : public std::streambuf {
- protected:
-  int_type overflow(int_type c) override { return traits_type::not_eof(c); }
-  std::streamsize xsputn(const char*, std::streamsize size) override { return size; }
-};
-
-// The library's diagnostics would fill the screen, and cost most of the time.
-class Silence {
- public:
-  Silence() : out_(std::cout.rdbuf(&nowhere_)), err_(std::cerr.rdbuf(&nowhere_)) {}
-  ~Silence() {
-    std::cout.rdbuf(out_);
-    std::cerr.rdbuf(err_);
-  }
-  Silence(const Silence&) = delete;
-  Silence& operator=(const Silence&) = delete;
-
- private:
-  Nowhere nowhere_;
-  std::streambuf* out_;
-  std::streambuf* err_;
-};
 
 class Basket final : public Transaction {
  public:
@@ -82,15 +55,6 @@ class Third : public SupportSource {
  public:
   double GetSupport(int /*transaction*/) override { return 0.3; }
 };
-
-[[noreturn]] void fail(const char* what) {
-  std::fprintf(stderr, "%s\n", what);
-  std::abort();
-}
-
-void check(bool good, const char* what) {
-  if (!good) fail(what);
-}
 
 bool isUsable(const Engine& engine) { return engine.GetStatus().GetCode() != 5; }
 
