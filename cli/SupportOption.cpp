@@ -13,6 +13,8 @@
 namespace korassoc::cli {
 namespace {
 
+// Fewer than one of any 1,000,000,000 transactions. Whoever wants what one transaction holds writes 1n.
+constexpr double kLeastFraction = 1e-9;
 constexpr double kRoundingEpsilons = 100.0;  // the engine's own tolerance for products that are integers
 
 [[noreturn]] void fail(const std::string& option, std::string_view text, std::string_view what) {
@@ -38,6 +40,7 @@ SupportOption SupportOption::parse(const std::string& option, std::string_view t
   if (unit == 'n' && text != "nan") {
     const auto count = wholeNumber(number);
     if (!count) fail(option, text, "is not a whole number of transactions");
+    if (*count == 0) fail(option, text, "is 0, which asks for nothing");
     support.isCount_ = true;
     support.count_ = *count;
     return support;
@@ -46,6 +49,8 @@ SupportOption SupportOption::parse(const std::string& option, std::string_view t
   if (!value) fail(option, text, "is not a number");
   if (*value < 0) fail(option, text, "is below 0");
   if (*value > 1) fail(option, text, unit == '%' ? "is above 100%" : "is above 1");
+  if (*value == 0) fail(option, text, "is 0, which asks for nothing");
+  if (*value < kLeastFraction) fail(option, text, "is below 1e-9, which is hardly meant");
   support.fraction_ = *value;
   return support;
 }

@@ -8,7 +8,8 @@
 namespace korassoc::cli {
 
 // SupportOption is a bound on how many transactions hold an itemset: "0.01" or "1%" of all transactions, or
-// "25n" for 25 of them. A bare number above 1 could mean two of the three and is refused.
+// "25n" for 25 of them. A bare number above 1 could mean two of the three and is refused. So are 0, in all of
+// the three, and fractions below 1e-9: every itemset of every transaction reaches those.
 class SupportOption {
  public:
   // option is what messages call it ("--support"). Throws CliError (kUsage), showing the three spellings.

@@ -111,6 +111,18 @@ TEST(Mine, TakesTheThreeSpellingsOfASupport) {
   EXPECT_EQ(rules(mine({"--support=0.22", "--confidence=0.6"})), wanted);
 }
 
+TEST(Mine, RefusesASupportOfNothing) {
+  const TemporaryFile file(kBaskets);
+  for (const char* support : {"0", "0%", "0n", "0.0", "1e-300"}) {
+    const ToolRun run = runKorassoc({"mine", file.name(), "-s", support, "-c", "60%"});
+    EXPECT_EQ(run.exitCode, 2) << support;
+    EXPECT_EQ(run.out, "");
+    EXPECT_THAT(run.err, HasSubstr(std::string("korassoc: --support ") + support + ": is "));
+  }
+  EXPECT_THAT(rules(mine({"-s", "1n", "-c", "100%", "--require-rhs", "crisps"}, std::string(kBaskets))),
+              ElementsAre("{beer, bread} => {crisps} 1 12.500% 100.000% 4.000"));
+}
+
 TEST(Mine, NeverShowsARuleBelowTheSupport) {
   // 26% of 80 transactions are 20.8: the pairs that 20 transactions hold are not enough.
   EXPECT_THAT(rules(mine({"-s", "26%", "-c", "1%"})),

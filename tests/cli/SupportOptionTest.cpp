@@ -19,21 +19,15 @@ TEST(SupportOption, GivesTheSmallestCountNotBelowIt) {
     const char* text;
     int transactions, least, largest;
   };
-  const Case cases[] = {{"0.25", 10, 3, 2},     // 2.5: a quarter of ten transactions takes three of them
-                        {"0.3", 10, 3, 3},      // 0.3 * 10 is 3
-                        {"0.29", 100, 29, 29},  // 0.29 * 100 is 28.999999999999996
-                        {"0.07", 100, 7, 7},    // 0.07 * 100 is 7.000000000000001
-                        {"7%", 100, 7, 7},
-                        {"1%", 9835, 99, 98},
-                        {"1", 5, 5, 5},
-                        {"100%", 5, 5, 5},
-                        {"0", 5, 1, 0},
-                        {"0.001", 5, 1, 0},
-                        {"3n", 5, 3, 3},
-                        {"0n", 5, 1, 0},
-                        {"25n", 5, 25, 25},
-                        {"1e-3", 1000, 1, 1},
-                        {"1", 2147483647, 2147483647, 2147483647}};
+  const Case cases[] = {
+      {"0.25", 10, 3, 2},     // 2.5: a quarter of ten transactions takes three of them
+      {"0.3", 10, 3, 3},      // 0.3 * 10 is 3
+      {"0.29", 100, 29, 29},  // 0.29 * 100 is 28.999999999999996
+      {"0.07", 100, 7, 7},    // 0.07 * 100 is 7.000000000000001
+      {"7%", 100, 7, 7},     {"1%", 9835, 99, 98}, {"1", 5, 5, 5},
+      {"100%", 5, 5, 5},     {"1e-9", 5, 1, 0},    {"1e-7%", 5, 1, 0},
+      {"0.001", 5, 1, 0},    {"3n", 5, 3, 3},      {"1n", 5, 1, 1},
+      {"25n", 5, 25, 25},    {"1e-3", 1000, 1, 1}, {"1", 2147483647, 2147483647, 2147483647}};
   for (const Case& c : cases) {
     const SupportOption support = SupportOption::parse("-s", c.text);
     EXPECT_EQ(support.leastCount(c.transactions), c.least) << c.text << " of " << c.transactions;
@@ -77,6 +71,19 @@ TEST(SupportOption, ShowsTheThreeSpellingsWhenItIsWrong) {
                         {"NaN", "is not a number; "},
                         {"inf", "is not a number; "},
                         {"1e999", "is not a number; "},
+                        {"0", "--support 0: is 0, which asks for nothing; "},
+                        {"0%", "is 0, which"},
+                        {"0n", "is 0, which"},
+                        {"0.0", "is 0, which"},
+                        {"000", "is 0, which"},
+                        {"-0", "is 0, which"},
+                        {"0e9", "is 0, which"},
+                        {"0.0%", "is 0, which"},
+                        {"00n", "is 0, which"},
+                        {"1e-999", "is 0, which"},
+                        {"1e-300", "is below 1e-9, which is hardly meant; "},
+                        {"0.00000000099", "is below 1e-9, "},
+                        {"9.9e-8%", "is below 1e-9, "},
                         {"0.1x", "is not a number; "},
                         {"0,1", "is not a number; "},
                         {"1 %", "is not a number; "}};
