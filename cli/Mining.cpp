@@ -6,10 +6,12 @@
 #include <filesystem>
 #include <limits>
 #include <optional>
+#include <system_error>
 #include <utility>
 
 #include "cli/CliError.h"
 #include "cli/Notes.h"
+#include "cli/Printable.h"
 #include "cli/StandardOutputGuard.h"
 #include "cli/Stopwatch.h"
 #include "cli/process/TemporaryFiles.h"
@@ -141,6 +143,19 @@ void Mining::runPhaseI() {
   const bool full = status.GetCode() == kMemoryFull;
   if (!full) return check(status, "the first pass");
   if (plan_.mode == MiningMode::kExact) return;  // no more of a preview than that
+  throwFull();
+}
+
+// An itemset found no room in memory, nor on the disk where there is one.
+void Mining::throwFull() const {
+  std::error_code ignored;
+  if (plan_.spillFolder && !std::filesystem::is_directory(*plan_.spillFolder, ignored)) {
+    throw CliError(
+        ExitCode::kRunFailed,
+        fmt::format("--spill {}: is no folder any more, so that in transaction {} of {} an itemset was "
+                    "refused, and there is no result; name a folder that stays",
+                    printable(*plan_.spillFolder), figures_.transactionsInPhaseI, figures_.transactions));
+  }
   throw CliError(
       ExitCode::kLimit,
       fmt::format("the limit of {} itemsets was reached in transaction {} of {}: an itemset was refused, "

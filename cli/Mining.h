@@ -87,6 +87,7 @@ class Mining {
 
   void limitMemory();
   void runPhaseI();
+  [[noreturn]] void throwFull() const;
   void runSecondPass();
   KorAssoc::KorStatus countCompletely();
   // Called before each basket of the first pass.

@@ -3,6 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -195,6 +199,31 @@ TEST(MemoryLimit, SaysWhereARunEndedThatCouldNotGoOn) {
   EXPECT_THAT(run.err,
               HasSubstr("korassoc: the limit of 2 itemsets was reached in transaction 5 of 6: an itemset "
                         "was refused, and there is no result; raise --max-sets or the support\n"));
+}
+
+TEST(MemoryLimit, NamesTheSpillFolderThatWasRemovedInTheRun) {
+  const TemporaryFolder folder;
+  const std::string baskets = folder.path("baskets");
+  const std::string spill = folder.path("spill");
+  ASSERT_EQ(::mkfifo(baskets.c_str(), 0600), 0);
+  for (const bool isFileThen : {false, true}) {
+    std::filesystem::create_directory(spill);
+    StartedTool tool(
+        {"mine", baskets, "-s", "1n", "-c", "50%", "--approximate", "--max-sets", "2", "--spill", spill});
+    {
+      std::ofstream input(baskets);  // opens when the tool reads, which has looked at the folder by then
+      std::filesystem::remove(spill);
+      if (isFileThen) std::ofstream{spill};
+      input << times(3, "a\nb\nc\n");
+    }
+    const ToolRun run = tool.wait();
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.out, "");
+    EXPECT_THAT(run.err, HasSubstr("korassoc: --spill " + spill +
+                                   ": is no folder any more, so that in transaction 3 of 9 an itemset was "
+                                   "refused, and there is no result; name a folder that stays\n"));
+    std::filesystem::remove(spill);
+  }
 }
 
 TEST(MiningOptions, ThatContradictEachOtherAreRefused) {
