@@ -25,6 +25,10 @@ class CarmaSetDescriptor;
 class DictionarySettings;
 class SpillStore;
 
+namespace korassoc {
+struct ItemsetColumns;
+}
+
 namespace korassoc::detail {
 struct CompleteItemsets;
 class LatticeGraph;
@@ -335,6 +339,9 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   void noteCounting() const { countsChanged_ = true; }
 
   // --- Reading ---
+  // The sets in memory of one and more items with their counts: level by level in the order of the tables,
+  // unpacking nothing. The number of transactions is left 0.
+  korassoc::ItemsetColumns columns() const;
   // Most items of a stored set.
   int maxLevel() const { return maxLevel_; }
   // The highest level that ever held a set; unlike getHighestLevel() it looks past empty levels.

@@ -26,6 +26,10 @@ class ProgressListener;
 class SetDictionary;
 class SupportSource;
 
+namespace korassoc {
+struct ItemsetColumns;
+}
+
 namespace korassoc::detail {
 enum class Operation;
 }
@@ -70,6 +74,15 @@ class KORASSOC_EXPORT CarmaAssociationAlgorithm {
   // support source and the listener, are installed anew.
   CarmaAssociationAlgorithm(std::fstream& state, MultiPassTransIter* iterator);
   CarmaAssociationAlgorithm(std::ifstream& state, MultiPassTransIter* iterator);
+
+  // An engine in phase II, whose lattice holds the given itemsets with their counts, wherever they were
+  // counted. They enter their tables in the order given: those of a complete pass make the tables that the
+  // pass would have made. support, a fraction, is the average support from then on. Null settings, sets of
+  // more items than these allow, items that do not ascend, a set that is there twice and counts below 0 or
+  // above the number of transactions leave the engine unusable, as above. A subset that is missing is
+  // reported on the standard output, as by buildLattice().
+  CarmaAssociationAlgorithm(CarmaSettings* settings, MultiPassTransIter* iterator,
+                            const korassoc::ItemsetColumns& itemsets, double support);
 
   ~CarmaAssociationAlgorithm();
   CarmaAssociationAlgorithm(const CarmaAssociationAlgorithm&) = delete;
@@ -196,6 +209,17 @@ class KORASSOC_EXPORT CarmaAssociationAlgorithm {
   // one, succeeds. 0 when none is known: too many itemsets are in as many transactions as any item is, or the
   // source could not be read again. 0 also after any other answer.
   int CountThatFits() const { return countThatFits_; }
+
+  // The stored itemsets of one and more items with their counts, level by level in the order of the tables:
+  // in phase I what it has counted so far, with what it may have missed; in phase II those of the lattice.
+  // What lies on disk is not among them. Code 1, error: the engine is cancelled; 5, error: it is unusable;
+  // 40001, error: memory ran out. itemsets is replaced when the answer is OK, else left as it is.
+  KorAssoc::KorStatus GetItemsets(korassoc::ItemsetColumns& itemsets) const;
+
+  // Itemsets that made room for others under the limit, since the engine was made: given up with their
+  // counts, and moved to the disk. -1 when the engine is cancelled or unusable.
+  int NumberOfSetsGivenUp() const;
+  int NumberOfSetsSpilled() const;
 
   // Product, version and copyright line.
   static std::string GetComponentVersion();

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "korassoc/dictionary/CompleteItemsets.h"
@@ -76,6 +77,8 @@ class CompletePass {
   Outcome run();
   // What run() found, when it is done.
   const CompleteItemsets& itemsets() const { return found_; }
+  // The same, taken out of the pass.
+  CompleteItemsets takeItemsets() { return std::move(found_); }
 
   // After kTooManySets: a count of transactions that at most maxSets itemsets reach, usually the least one or
   // close to it. Reads the source again and takes as long as the pass has taken, in proportion to the sets it

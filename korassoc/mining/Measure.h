@@ -38,13 +38,14 @@ struct MeasureInfo {
 // A Measure is a value: one row of the table. Those that the library itself speaks of have a name of their
 // own here; all are found by the name in the table.
 //
-//   name         formula                                                           range
-//   confidence   n_xy / n_x                                                        [0, 1]       of X, with Y
-//   support      n_xy / n                                                          [0, 1]
-//   lift         n n_xy / (n_x n_y)                                                [0, inf)     1: independent
-//   leverage     n_xy / n - n_x n_y / n^2                                          [-1/4, 1/4]  0: independent
-//   conviction   n_x (n - n_y) / (n (n_x - n_xy))                                  [0, inf]     1: independent
-//   zhang        (n n_xy - n_x n_y) / max(n_xy (n - n_x), n_x (n_y - n_xy))        [-1, 1]      0: independent
+//   name         formula                                          range
+//   confidence   n_xy / n_x                                       [0, 1]       of those with X, who has Y
+//   support      n_xy / n                                         [0, 1]
+//   lift         n n_xy / (n_x n_y)                               [0, inf)     1: independent
+//   leverage     n_xy / n - n_x n_y / n^2                         [-1/4, 1/4]  0: independent
+//   conviction   n_x (n - n_y) / (n (n_x - n_xy))                 [0, inf]     1: independent
+//   zhang        (n n_xy - n_x n_y) /                             [-1, 1]      0: independent
+//                max(n_xy (n - n_x), n_x (n_y - n_xy))
 //
 // A further measure is a further row in Measure.cpp; nothing else changes.
 class KORASSOC_EXPORT Measure {

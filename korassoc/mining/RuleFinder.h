@@ -41,7 +41,11 @@ class RuleFinder {
     Node antecedent;
     Node whole;
 
-    friend auto operator<=>(const Record&, const Record&) = default;
+    friend bool operator<(const Record& a, const Record& b) {
+      if (a.keys.first != b.keys.first) return a.keys.first < b.keys.first;
+      if (a.keys.second != b.keys.second) return a.keys.second < b.keys.second;
+      return a.antecedent != b.antecedent ? a.antecedent < b.antecedent : a.whole < b.whole;
+    }
   };
   // The antecedents of all itemsets, where they are compared with each other.
   struct Tables {

@@ -22,11 +22,12 @@ constexpr int kMiningFloor = 8;
 constexpr int kToolFloor = 10;
 
 // What dictionary, rules and engine share of korassoc/engine: file names without their ending.
-constexpr std::array<std::string_view, 12> kVocabulary = {"AssociationAlgorithmSettings",
+constexpr std::array<std::string_view, 13> kVocabulary = {"AssociationAlgorithmSettings",
                                                           "CarmaSettings",
                                                           "CreateRulesReporter",
                                                           "DictionarySettings",
                                                           "Exceptions",
+                                                          "ItemsetColumns",
                                                           "KorStatus",
                                                           "MultiPassTransIter",
                                                           "ProgressListener",
