@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <csignal>
 #include <cstring>
 
 #if defined(_WIN32)
@@ -45,7 +44,6 @@ int nameFile(int, const char*) {
   errno = ENOTSUP;
   return -1;
 }
-class FileSizeSignalOff {};
 #else
 constexpr int kNewFile = O_WRONLY | O_CLOEXEC | O_NOCTTY | O_CREAT | O_EXCL;
 constexpr int kOldFile = O_WRONLY | O_CLOEXEC | O_NOCTTY;
@@ -134,20 +132,6 @@ int nameFile(int, const char*) {
   return -1;
 }
 #endif
-
-// While one lives, a file that grows beyond the limit of the process is an error and not the process's end.
-class FileSizeSignalOff {
- public:
-  FileSizeSignalOff() : before_(std::signal(SIGXFSZ, SIG_IGN)) {}
-  ~FileSizeSignalOff() {
-    if (before_ != SIG_ERR) std::signal(SIGXFSZ, before_);
-  }
-  FileSizeSignalOff(const FileSizeSignalOff&) = delete;
-  FileSizeSignalOff& operator=(const FileSizeSignalOff&) = delete;
-
- private:
-  void (*before_)(int);
-};
 #endif
 
 // Devices and pipes have no disk to wait for.
@@ -224,7 +208,6 @@ bool FileSink::flush() {
 }
 
 bool FileSink::put(const char* bytes, std::size_t count) {
-  [[maybe_unused]] const FileSizeSignalOff off;
   while (count > 0) {
     const long written = writeSome(descriptor_, bytes, std::min(count, kMostAtOnce));
     if (written < 0 && errno == EINTR) continue;

@@ -11,7 +11,8 @@
 namespace korassoc::cli {
 
 // FileSink hands what a stream writes to the system in large blocks. The first failure is kept: nothing is
-// written after it, and the stream goes bad.
+// written after it, and the stream goes bad. A program that uses it ignores SIGXFSZ and SIGPIPE, which would
+// otherwise end it where a write fails.
 class FileSink : public std::streambuf {
  public:
   // A new file, which must not exist yet. Null, with errno set, when it cannot be made.

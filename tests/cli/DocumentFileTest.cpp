@@ -4,7 +4,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -17,6 +16,7 @@
 #include "cli/CliError.h"
 #include "tests/cli/ExpectError.h"
 #include "tests/cli/TemporaryFolder.h"
+#include "tests/support/FullDisk.h"
 
 namespace korassoc::cli {
 namespace {
@@ -50,23 +50,6 @@ class DocumentFileTest : public testing::Test {
   }
 
   TemporaryFolder folder_;
-};
-
-// No file of this process grows beyond so many bytes while one lives: a disk that runs full.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(std::size_t bytes) {
-    ::getrlimit(RLIMIT_FSIZE, &before_);
-    rlimit limit = before_;
-    limit.rlim_cur = bytes;
-    ::setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~FileSizeLimit() { ::setrlimit(RLIMIT_FSIZE, &before_); }
-  FileSizeLimit(const FileSizeLimit&) = delete;
-  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
- private:
-  rlimit before_{};
 };
 
 // For the superuser every folder is writable; while one lives the process is somebody else.
@@ -254,7 +237,7 @@ TEST_F(DocumentFileTest, StaysAsItWasWhenTheDiskRunsFull) {
   const DocumentFile file(path("rules.xml"));
   for (const std::size_t limit : {std::size_t{0}, std::size_t{1}, std::size_t{65535}, std::size_t{65536},
                                   std::size_t{65537}, kSeveralBlocks - 1}) {
-    const FileSizeLimit full(limit);
+    const FullDisk full(limit);
     expectError(
         ExitCode::kRunFailed,
         AllOf(HasSubstr(path("rules.xml")), HasSubstr("File too large"), HasSubstr("nothing was changed")),
@@ -262,13 +245,13 @@ TEST_F(DocumentFileTest, StaysAsItWasWhenTheDiskRunsFull) {
     EXPECT_EQ(contents("rules.xml"), "before") << limit;
     EXPECT_THAT(names(), ElementsAre("rules.xml")) << limit;
   }
-  const FileSizeLimit enough(kSeveralBlocks);
+  const FullDisk enough(kSeveralBlocks);
   file.write([](std::ostream& out) { out << std::string(kSeveralBlocks, 'n'); });
   EXPECT_EQ(contents("rules.xml"), std::string(kSeveralBlocks, 'n'));
 }
 
 TEST_F(DocumentFileTest, LeavesNothingWhereThereWasNothingWhenTheDiskRunsFull) {
-  const FileSizeLimit full(10);
+  const FullDisk full(10);
   expectError(ExitCode::kRunFailed, HasSubstr("File too large"),
               [&] { write(path("rules.xml"), "more than ten bytes"); });
   EXPECT_THAT(names(), IsEmpty());
