@@ -25,30 +25,30 @@ namespace fs = std::filesystem;
 
 constexpr int kMostLinks = 40;
 
-// Where a path leads, also when nothing is there yet.
-fs::path followed(fs::path path, std::error_code& error) {
-  std::error_code absent;
-  for (int links = 0; fs::is_symlink(fs::symlink_status(path, absent)); ++links) {
-    if (links == kMostLinks) error = std::make_error_code(std::errc::too_many_symbolic_link_levels);
-    const fs::path next = error ? fs::path() : fs::read_symlink(path, error);
-    if (error) break;
-    path = path.parent_path() / next;  // an absolute next stands for itself
-  }
-  return path;
-}
-
 fs::path folderOf(const fs::path& path) {
   const fs::path folder = path.parent_path();
   return folder.empty() ? fs::path(".") : folder;
 }
 
 #if defined(_WIN32)
+bool mayFollow(const fs::path&) { return true; }
 bool mayReplace(const fs::path&) { return true; }
 constexpr int kInput = 0;
 constexpr int kOutput = 1;
 constexpr int kErrors = 2;
 bool isOpenAs(int, const fs::path&) { return false; }
 #else
+// Where everybody may put files that only their owners may take away (/tmp), a link of somebody else could lead
+// to any file of ours. Systems refuse to follow such a link themselves, but here it is read and not followed.
+bool mayFollow(const fs::path& link) {
+  struct stat folder {};
+  struct stat itself {};
+  if (::stat(folderOf(link).c_str(), &folder) != 0 || ::lstat(link.c_str(), &itself) != 0) return true;
+  constexpr mode_t kEverybodys = S_ISVTX | S_IWOTH;
+  return (folder.st_mode & kEverybodys) != kEverybodys || itself.st_uid == ::geteuid() ||
+         itself.st_uid == folder.st_uid;
+}
+
 // The folder alone decides about renaming; a file that is protected from writing is not to be replaced
 // either.
 bool mayReplace(const fs::path& file) { return ::faccessat(AT_FDCWD, file.c_str(), W_OK, AT_EACCESS) == 0; }
@@ -65,6 +65,19 @@ bool isOpenAs(int descriptor, const fs::path& file) {
          there.st_dev == open.st_dev && there.st_ino == open.st_ino;
 }
 #endif
+
+// Where a path leads, also when nothing is there yet.
+fs::path followed(fs::path path, std::error_code& error) {
+  std::error_code absent;
+  for (int links = 0; fs::is_symlink(fs::symlink_status(path, absent)); ++links) {
+    if (links == kMostLinks) error = std::make_error_code(std::errc::too_many_symbolic_link_levels);
+    if (!mayFollow(path)) error = std::make_error_code(std::errc::permission_denied);
+    const fs::path next = error ? fs::path() : fs::read_symlink(path, error);
+    if (error) break;
+    path = path.parent_path() / next;  // an absolute next stands for itself
+  }
+  return path;
+}
 
 }  // namespace
 

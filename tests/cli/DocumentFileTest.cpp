@@ -232,6 +232,29 @@ TEST_F(DocumentFileTest, IsRefusedWhereLinksLeadRoundInACircle) {
   EXPECT_THAT(names(), ElementsAre("a.xml", "b.xml", "self"));
 }
 
+TEST_F(DocumentFileTest, IsRefusedWhereSomebodyElseHasPutALinkAmongEverybodysFiles) {
+  if (::geteuid() != 0) GTEST_SKIP() << "the superuser alone gives links away";
+  store("ours.xml", "before");
+  fs::create_directory(path("everybodys"));
+  fs::create_symlink("../ours.xml", path("everybodys/link.xml"));
+  ASSERT_EQ(::lchown(path("everybodys/link.xml").c_str(), 65534, 65534), 0);
+  const auto refused = [&] {
+    expectError(ExitCode::kRunFailed,
+                AllOf(HasSubstr(path("everybodys/link.xml")), HasSubstr("Permission denied")),
+                [&] { const DocumentFile file(path("everybodys/link.xml")); });
+  };
+  ASSERT_EQ(::chmod(path("everybodys").c_str(), 01777), 0);
+  refused();
+  fs::remove(path("ours.xml"));  // nor is it followed to where nothing is yet
+  refused();
+  ASSERT_EQ(::chmod(path("everybodys").c_str(), 0777), 0);  // who may take away any file needs no link
+  write(path("everybodys/link.xml"), "after");
+  ASSERT_EQ(::chmod(path("everybodys").c_str(), 01777), 0);
+  ASSERT_EQ(::lchown(path("everybodys/link.xml").c_str(), 0, 0), 0);
+  write(path("everybodys/link.xml"), "ours");
+  EXPECT_EQ(contents("ours.xml"), "ours");
+}
+
 TEST_F(DocumentFileTest, StaysAsItWasWhenTheDiskRunsFull) {
   store("rules.xml", "before");
   const DocumentFile file(path("rules.xml"));
