@@ -8,6 +8,8 @@
 #include "korassoc/mining/ItemsetTable.h"
 #include "korassoc/mining/Labels.h"
 #include "korassoc/mining/Measure.h"
+#include "korassoc/mining/Mining.h"
+#include "korassoc/mining/MiningOptions.h"
 #include "korassoc/mining/Model.h"
 #include "korassoc/mining/RuleOrder.h"
 #include "korassoc/mining/RuleQuery.h"
