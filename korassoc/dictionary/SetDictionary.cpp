@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <stdexcept>
 #include <utility>
 
 #include "korassoc/dictionary/LatticeGraph.h"
@@ -194,6 +195,7 @@ int SetDictionary::getCount(const ItemSet* set) {
 int SetDictionary::getEmptySetCount() { return getCount(&emptySet_); }
 
 const korassoc::detail::LatticeGraph& SetDictionary::graph() const {
+  requireWhole();
   if (graph_ == nullptr) {
     graph_ = std::make_shared<korassoc::detail::LatticeGraph>(*this);
   } else if (countsChanged_ && !graph_->hasCurrentCounts()) {
@@ -205,6 +207,10 @@ const korassoc::detail::LatticeGraph& SetDictionary::graph() const {
   }
   countsChanged_ = false;
   return *graph_;
+}
+
+void SetDictionary::requireWhole() const {
+  if (brokenOff_) throw std::logic_error("a pass over the lattice was broken off");
 }
 
 // --- Counting ---

@@ -221,6 +221,12 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   // enter their tables in the order given. When memory runs out (std::bad_alloc) the dictionary stays as it
   // was.
   void adopt(const korassoc::detail::CompleteItemsets& itemsets);
+  // To be called when something is left half-way that changes counts or links: there is no lattice then, and
+  // queries throw a std::logic_error or answer 40001, error, until buildLattice() or adopt() has come to its
+  // end.
+  // buildLattice() and removeSmallSets() see to it themselves when they throw.
+  void breakOff();
+  bool isBrokenOff() const { return brokenOff_; }
 
   // --- Phase II ---
   // Makes ready for an exact count of all sets of at least fromLevel items: their max missed and, unless they
@@ -326,7 +332,7 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
 
   // --- Queries ---
   // The stored sets with their links both ways, made at the first call after a change of sets or links; valid
-  // until the next one. Holds the counts of this moment.
+  // until the next one. Holds the counts of this moment. Throws a std::logic_error when isBrokenOff().
   const korassoc::detail::LatticeGraph& graph() const;
   // The same for those who call a listener: it stays while it is held, and is worth nothing once it is not
   // the current one any more, because the listener has had sets or links changed.
@@ -415,7 +421,9 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   int addByGivingUp(std::unique_ptr<ItemSet> set, SetCounter* descriptor);
   void discard(HashTable::Entry* entry, HashTable& table);
 
+  void requireWhole() const;
   static void replaceDescriptor(HashTable::Entry& entry);
+  void replaceDescriptors();
   void linkLevels();
   static void linkSubsets(const ItemSet& set, const korassoc::detail::SubsetIndex& subsets, int level);
 
@@ -444,6 +452,7 @@ class KORASSOC_EXPORT SetDictionary : public SemiLattice {
   bool rulesFlag_ = false;
   bool bitsetOff_ = true;
   bool latticeBuilt_ = false;
+  bool brokenOff_ = false;
   int fixedSetCount_;
   int recordedSpillLevel_ = kSpillLevel;  // of a saved state; the store serves kSpillLevel all the same
   std::vector<int> selected_;             // the items of an index selection during one call

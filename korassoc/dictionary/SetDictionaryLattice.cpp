@@ -35,8 +35,28 @@ void SetDictionary::replaceDescriptor(HashTable::Entry& entry) {
   HashTable::replaceDescriptor(entry, links.release());
 }
 
+void SetDictionary::breakOff() {
+  graph_.reset();
+  latticeBuilt_ = false;
+  brokenOff_ = true;
+}
+
 void SetDictionary::buildLattice() {
   if (isHeld()) return;
+  try {
+    replaceDescriptors();
+    linkLevels();
+  } catch (...) {
+    breakOff();
+    throw;
+  }
+  latticeBuilt_ = true;
+  brokenOff_ = false;
+}
+
+// Gives the empty set, which is made if need be, and the sets of the consecutive levels lattice descriptors
+// with their counts, without links.
+void SetDictionary::replaceDescriptors() {
   graph_.reset();
   const int items = getLevelSize(1);
   HashTable::Entry* empty = table(0).find(&emptySet_);
@@ -61,8 +81,6 @@ void SetDictionary::buildLattice() {
   for (int level = 2; level <= getHighestLevel(); ++level) {
     levelTable(level).forEach([](HashTable::Entry& entry) { replaceDescriptor(entry); });
   }
-  linkLevels();
-  latticeBuilt_ = true;
 }
 
 // Enters every set of the consecutive levels into the links of its subsets that are one item smaller. All of
@@ -135,6 +153,7 @@ void SetDictionary::adopt(const korassoc::detail::CompleteItemsets& itemsets) {
       korassoc::detail::saturatingInt(static_cast<double>(itemsets.size())), 1);
   setOpen();
   latticeBuilt_ = true;
+  brokenOff_ = false;
 }
 
 void SetDictionary::pruneAdjacent(const ItemSet* set) {

@@ -15,10 +15,15 @@ int SetDictionary::removeSmallSets(double minCount) {
   if (isHeld()) return 0;
   int removed = 0;
   const bool closed = closed_;
-  for (int level = 1; level <= maxLevel_ && getLevelSize(level) >= 1; ++level)
-    removed += removeSmall(level, minCount);
-  closed_ = closed;  // a set is in no more transactions than its subsets are
-  if (latticeBuilt_) rebuildLinks();
+  try {
+    for (int level = 1; level <= maxLevel_ && getLevelSize(level) >= 1; ++level)
+      removed += removeSmall(level, minCount);
+    closed_ = closed;  // a set is in no more transactions than its subsets are
+    if (latticeBuilt_) rebuildLinks();
+  } catch (...) {
+    if (latticeBuilt_) breakOff();  // links may lead to sets that are gone
+    throw;
+  }
   return removed;
 }
 

@@ -103,6 +103,7 @@ void SetDictionary::restart(const RecordHead& head) {
   setOpen();
   itemBits_->reset();
   latticeBuilt_ = head.latticeBuilt;
+  brokenOff_ = false;
   recordedSpillLevel_ = head.spillLevel;
   inStoreCount_ = head.inStoreCount;
   maxInStoreSets_ = head.maxInStoreSets;

@@ -120,7 +120,9 @@ class KORASSOC_EXPORT CarmaAssociationAlgorithm {
   // before, so that this pass takes a small part of the first one's time. An iterator that turns out to have
   // delivered other transactions is restarted and read once more: the counts are those of what it delivers.
   // Code 2, error: the iterator could not restart. Code 3, error: more sets are stored than the
-  // settings allow.
+  // settings allow. What breaks the pass off while it counts leaves no lattice and counts of a part:
+  // IsLatticeBuilt() is false then, queries answer 40001, error, and a save 4, warning, until this or another
+  // form of the pass has come to its end.
   KorAssoc::KorStatus RunPhaseII();
 
   // The same for an iterator that delivers its second pass in another order. It counts the one-item sets

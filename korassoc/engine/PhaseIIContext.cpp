@@ -87,18 +87,26 @@ KorStatus PhaseIIContext::pass(Engine& engine, const Variant& variant) const {
 // only when they have been read, and when they are others all is counted.
 KorStatus PhaseIIContext::countAgain(Engine& engine, SetDictionary& dictionary, CarmaCore& core,
                                      const Variant& variant) const {
-  if (!variant.sameOrder || !core.preparePhaseIIBeforeTIDs(dictionary, variant.firstLevel))
-    core.preparePhaseII(dictionary, variant.firstLevel);
-  if (!readAgain(engine, dictionary, core)) return engine.currentStatus_;
-  if (!engine.cancelRequested_ && core.hasMetOthers()) {
-    if (!restart(engine, dictionary)) return KorStatus(2, false);
-    core.preparePhaseII(dictionary, variant.firstLevel);
+  try {
+    if (!variant.sameOrder || !core.preparePhaseIIBeforeTIDs(dictionary, variant.firstLevel))
+      core.preparePhaseII(dictionary, variant.firstLevel);
     if (!readAgain(engine, dictionary, core)) return engine.currentStatus_;
+    if (!engine.cancelRequested_ && core.hasMetOthers()) {
+      if (!restart(engine, dictionary)) {
+        dictionary.breakOff();
+        return KorStatus(2, false);
+      }
+      core.preparePhaseII(dictionary, variant.firstLevel);
+      if (!readAgain(engine, dictionary, core)) return engine.currentStatus_;
+    }
+    if (engine.cancelRequested_) return KorStatus();
+    core.endPhaseII();
+    dictionary.removeSmallSets(engine.transactionsSeen_ * engine.ceilings_->average());
+    dictionary.buildLattice();
+  } catch (...) {
+    dictionary.breakOff();  // the counts are those of a part of the transactions
+    throw;
   }
-  if (engine.cancelRequested_) return KorStatus();
-  core.endPhaseII();
-  dictionary.removeSmallSets(engine.transactionsSeen_ * engine.ceilings_->average());
-  dictionary.buildLattice();
   report(engine, dictionary);
   return KorStatus();
 }
@@ -189,6 +197,7 @@ KorStatus PhaseIIContext::countCompletely(Engine& engine, double minSupport) con
 }
 
 KorStatus PhaseIIContext::SaveStateXML(Engine& engine, std::ostream& stream) const {
+  if (engine.dictionary_->isBrokenOff()) return engine.setStatus(KorStatus(4, true));
   return engine.doSaveXML(stream);  // what is not OK is code 2, error, here as there
 }
 
@@ -204,7 +213,9 @@ KorStatus PhaseIIContext::RunNullPhaseII(Engine& engine, double fraction) const 
     dictionary.removeSmallSets(seen * engine.currentSupport_);
     dictionary.buildLattice();
   });
-  return done ? result : KorStatus(kExceptionCode, false);
+  if (done) return result;
+  if (engine.dictionary_) engine.dictionary_->breakOff();
+  return KorStatus(kExceptionCode, false);
 }
 
 SemiLattice* PhaseIIContext::GetLattice(Engine& engine) const { return engine.dictionary_.get(); }

@@ -200,6 +200,8 @@ TEST(CountsBeforeTIDs, EndThePassWhenTheSourceOfOthersCannotRestartAgain) {
   source.at(3) = VectorTransaction({1});
   EXPECT_EQ(shortForm(engine.RunPhaseII()), "E2");
   EXPECT_FALSE(engine.IsLatticeBuilt());
+  std::vector<AssociationRule> rules;
+  EXPECT_EQ(shortForm(engine.CreateNgetRules(0.1, 0.1, rules)), "E40001") << "some counts are of the others";
   EXPECT_EQ(shortForm(engine.RunPhaseII()), "OK");
   EXPECT_EQ(countOf(engine, {1, 2}), 5);
 }

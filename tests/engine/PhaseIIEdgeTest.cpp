@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+#include <stdexcept>
 #include <vector>
 
+#include "korassoc/rules/AssociationRule.h"
 #include "tests/support/DictionaryComparison.h"
 #include "tests/support/EngineHost.h"
 
@@ -45,6 +48,49 @@ TEST(PhaseIIEdge, SourceThatCannotRestartEndsTheExactPasses) {
     EXPECT_EQ(shortForm(host.engine->GetStatus()), "E2");
     EXPECT_FALSE(host.engine->IsLatticeBuilt());
   }
+}
+
+// Whether a lattice stood before or not: a part of the counts is new then.
+TEST(PhaseIIEdge, PassThatIsBrokenOffLeavesNothingToAsk) {
+  for (const bool again : {false, true}) {
+    EngineHost host(pairs(6));
+    CarmaAssociationAlgorithm& engine = *host.engine;
+    ASSERT_TRUE(engine.RunPhaseI(6).IsOK());
+    if (again) {
+      ASSERT_TRUE(engine.RunPhaseII().IsOK());
+    }
+    host.source.throwInNextAt = 3;
+    EXPECT_EQ(shortForm(again ? engine.RunPhaseII() : engine.RunPhaseIIrandom()), "E40001");
+    EXPECT_FALSE(engine.IsLatticeBuilt());
+    std::vector<AssociationRule> rules;
+    EXPECT_EQ(shortForm(engine.CreateNgetRules(0.1, 0.5, rules)), "E40001");
+    std::ostringstream xml;
+    EXPECT_EQ(shortForm(engine.ExportLatticeXML(xml)), "E40001");
+    EXPECT_EQ(shortForm(engine.SaveStateXML(xml)), "W4");
+    EXPECT_EQ(xml.str(), "");
+    EXPECT_THROW(engine.GetLattice()->findSupport(ItemSet(1), 1), std::logic_error);
+
+    host.source.throwInNextAt = -1;
+    EXPECT_EQ(shortForm(engine.RunPhaseII()), "OK");
+    EXPECT_EQ(shortForm(engine.CreateNgetRules(0.9, 0.9, rules)), "OK");
+    EXPECT_EQ(rules.size(), 1U);  // nothing > a b: the others say less
+    EXPECT_EQ(shortForm(engine.SaveStateXML(xml)), "OK");
+  }
+}
+
+// A restart that fails, or a limit that holds nothing more, comes before anything is counted.
+TEST(PhaseIIEdge, PassThatDoesNotBeginLeavesTheLatticeThatThereIs) {
+  EngineHost host(pairs(6));
+  ASSERT_TRUE(host.engine->RunPhaseI(6).IsOK());
+  ASSERT_TRUE(host.engine->RunPhaseII().IsOK());
+  host.source.throwInRestart = true;
+  EXPECT_EQ(shortForm(host.engine->RunPhaseII()), "E40001");
+  host.source.throwInRestart = false;
+  host.source.restartResult = 7;
+  EXPECT_EQ(shortForm(host.engine->RunPhaseII()), "E2");
+  EXPECT_TRUE(host.engine->IsLatticeBuilt());
+  std::vector<AssociationRule> rules;
+  EXPECT_EQ(shortForm(host.engine->CreateNgetRules(0.9, 0.9, rules)), "OK");
 }
 
 TEST(PhaseIIEdge, MaxLengthOneWithPairsInStoreBuildsNoLattice) {

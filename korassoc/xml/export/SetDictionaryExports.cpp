@@ -24,6 +24,7 @@ KorStatus SetDictionary::exportRulesXML(std::ostream& out, double minSupport, do
 }
 
 KorStatus SetDictionary::exportLatticeXML(std::ostream& out, double minSupport) {
+  requireWhole();
   const Hold hold(*this);
   korassoc::detail::LatticeDocument(*this, minSupport).write(out);
   return status_;
