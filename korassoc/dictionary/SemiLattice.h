@@ -33,6 +33,11 @@ class ProgressListener;
 // Infinities count as any number of their sign. As a count, a support is rounded leniently: 1.05 of 10
 // transactions asks for all 10.
 //
+// Errors: operations that answer a status let no exception out. Whatever is thrown on the way, by a listener
+// or a stream too, is 40001, error; out may hold a part of the answer then. The others let std::bad_alloc out
+// when memory runs out; findSupport() and filteredCopy() also a std::logic_error when a second pass was
+// broken off, of which the first kind answers 40001, error. None of them changes a set or a count.
+//
 // Callbacks: a listener or a stream that is handed in may ask the lattice in turn. While it is written to a
 //   stream it does not change, whoever asks for that (SetDictionary::Hold).
 class KORASSOC_EXPORT SemiLattice {

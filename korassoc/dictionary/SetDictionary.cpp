@@ -8,6 +8,7 @@
 #include "korassoc/dictionary/LatticeGraph.h"
 #include "korassoc/dictionary/PackedLevel.h"
 #include "korassoc/dictionary/SpillStore.h"
+#include "korassoc/engine/Caught.h"
 #include "korassoc/engine/DictionarySettings.h"
 #include "korassoc/engine/Exceptions.h"
 
@@ -315,6 +316,8 @@ void SetDictionary::prepareExactCounting(int fromLevel, bool keepCounts) {
 
 KorAssoc::KorStatus SetDictionary::takeTransactionCount(int n) {
   if (isHeld()) return KorAssoc::KorStatus(kHeld, false);
-  if (SetCounter* transactions = getDescriptor(&emptySet_)) transactions->count = n;
-  return status_;
+  return korassoc::detail::caughtStatus([&] {
+    if (SetCounter* transactions = getDescriptor(&emptySet_)) transactions->count = n;
+    return status_;
+  });
 }

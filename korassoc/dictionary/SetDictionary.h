@@ -55,6 +55,9 @@ class SubsetIndex;
 //   the small queue only while it is in memory; inStoreCount() counts the sets in memory.
 // Ownership: owns all stored sets and descriptors; whoever hands in a descriptor gives it up when the answer
 //   is that the set was stored.
+// Errors: operations that answer a status let no exception out (SemiLattice). All others let std::bad_alloc out
+// when memory runs out, also those that only look, for they may have to unpack the sets; where nothing else
+// is said, nothing has changed then.
 // A set argument comes in five forms: ItemSet; ascending array with a length; single item; OrderedArray;
 //   index selection (the items values.data[index.data[i]]).
 class KORASSOC_EXPORT SetDictionary : public SemiLattice {

@@ -1,8 +1,9 @@
-// Where exceptions end: at the border of the engine.
+// Where exceptions end: at the border of the engine, and of the lattice.
 
 #pragma once
 
 #include "korassoc/engine/Exceptions.h"
+#include "korassoc/engine/KorStatus.h"
 
 namespace korassoc::detail {
 
@@ -21,5 +22,13 @@ bool completes(Work&& work) {
 
 // An exception inside the work of the engine or the dictionary.
 inline constexpr int kExceptionCode = 40001;
+
+// The status that work answers; 40001, error, when it throws.
+template <typename Work>
+KorAssoc::KorStatus caughtStatus(Work&& work) {
+  KorAssoc::KorStatus status(kExceptionCode, false);
+  completes([&] { status = work(); });
+  return status;
+}
 
 }  // namespace korassoc::detail

@@ -1,9 +1,12 @@
 // The questions that a dictionary answers once its lattice is built: each is put to the class that knows.
+// What is thrown on the way ends here where there is a status to say so, also for hosts that ask the lattice
+// itself.
 
 #include <vector>
 
 #include "korassoc/dictionary/LatticeGraph.h"
 #include "korassoc/dictionary/SetDictionary.h"
+#include "korassoc/engine/Caught.h"
 #include "korassoc/rules/AssociationRule.h"
 #include "korassoc/rules/ConsequentDescriptor.h"
 #include "korassoc/rules/ConsequentQueries.h"
@@ -12,6 +15,7 @@
 #include "korassoc/rules/RuleCreation.h"
 
 using KorAssoc::KorStatus;
+using korassoc::detail::caughtStatus;
 using korassoc::detail::LatticeSearch;
 using korassoc::detail::SearchBounds;
 
@@ -30,8 +34,11 @@ void insertSets(const korassoc::detail::LatticeGraph& graph, const std::vector<i
 KorStatus SetDictionary::createRules(double minSupport, double minConfidence,
                                      std::vector<AssociationRule>& out, ProgressListener* listener,
                                      bool pruneRedundant) {
-  const Use use(*this);
-  return korassoc::detail::RuleCreation(*this, minSupport, minConfidence, listener, pruneRedundant).run(out);
+  return caughtStatus([&] {
+    const Use use(*this);
+    return korassoc::detail::RuleCreation(*this, minSupport, minConfidence, listener, pruneRedundant)
+        .run(out);
+  });
 }
 
 KorStatus SetDictionary::createFilteredRules(double minConfidence, double maxConfidence, double minSupport,
@@ -59,7 +66,8 @@ KorStatus SetDictionary::createFilteredRules(double minConfidence, double maxCon
                                             maxConsequentLength,
                                             maxRules,
                                             minimalAntecedentsOnly};
-  return korassoc::detail::FilteredRuleCreation(*this, filter, listener).run(out);
+  return caughtStatus(
+      [&] { return korassoc::detail::FilteredRuleCreation(*this, filter, listener).run(out); });
 }
 
 KorStatus SetDictionary::createFilteredConsequents(double minConfidence, double maxConfidence,
@@ -86,12 +94,13 @@ KorStatus SetDictionary::createFilteredConsequents(double minConfidence, double 
                                             1,
                                             -1,
                                             false};
-  return korassoc::detail::filteredConsequents(*this, filter, maxItems, out, listener);
+  return caughtStatus(
+      [&] { return korassoc::detail::filteredConsequents(*this, filter, maxItems, out, listener); });
 }
 
 KorStatus SetDictionary::createConsequents(ItemSet* antecedent, int maxItems,
                                            std::vector<ConsequentDescriptor>& out) {
-  return korassoc::detail::consequents(*this, antecedent, maxItems, out);
+  return caughtStatus([&] { return korassoc::detail::consequents(*this, antecedent, maxItems, out); });
 }
 
 double SetDictionary::findSupport(const ItemSet& base, int k) {
@@ -101,8 +110,10 @@ double SetDictionary::findSupport(const ItemSet& base, int k) {
 
 KorStatus SetDictionary::superSets(const ItemSet& base, std::set<ItemSet>& out) {
   const SearchBounds bounds{-kAnyCount - 1, kAnyCount, base.length() + 1LL, kAnyLength};
-  insertSets(graph(), LatticeSearch(graph()).supersets(base, nullptr, bounds), out);
-  return status_;
+  return caughtStatus([&] {
+    insertSets(graph(), LatticeSearch(graph()).supersets(base, nullptr, bounds), out);
+    return status_;
+  });
 }
 
 KorStatus SetDictionary::findItemSets(const ItemSet& base, int minCount, int minLength, int maxLength,
@@ -121,25 +132,33 @@ SemiLattice* SetDictionary::filteredCopy(double minFraction, const ItemSet& leav
 KorStatus SetDictionary::findItemSets3(const ItemSet& base, const ItemSet& allowed, int minCount,
                                        int maxCount, int minLength, int maxLength, std::set<ItemSet>& out) {
   const SearchBounds bounds{minCount, maxCount, minLength, maxLength};
-  insertSets(graph(), LatticeSearch(graph()).supersets(base, &allowed, bounds, &out), out);
-  return status_;
+  return caughtStatus([&] {
+    insertSets(graph(), LatticeSearch(graph()).supersets(base, &allowed, bounds, &out), out);
+    return status_;
+  });
 }
 
 KorStatus SetDictionary::findItemSets2(const ItemSet& base, int minCount, int maxCount, int minLength,
                                        int maxLength, std::set<ItemSet>& out) {
   const SearchBounds bounds{minCount, maxCount, minLength, maxLength};
-  insertSets(graph(), LatticeSearch(graph()).supersets(base, nullptr, bounds, &out), out);
-  return status_;
+  return caughtStatus([&] {
+    insertSets(graph(), LatticeSearch(graph()).supersets(base, nullptr, bounds, &out), out);
+    return status_;
+  });
 }
 
 KorStatus SetDictionary::findItemSetsWithin(const ItemSet& items, int minCount, int maxCount, int minLength,
                                             int maxLength, std::set<ItemSet>& out) {
   const SearchBounds bounds{minCount, maxCount, minLength, maxLength};
-  insertSets(graph(), LatticeSearch(graph()).containing(items, bounds, &out), out);
-  return status_;
+  return caughtStatus([&] {
+    insertSets(graph(), LatticeSearch(graph()).containing(items, bounds, &out), out);
+    return status_;
+  });
 }
 
 KorStatus SetDictionary::findMaximalItemSets(int minCount, std::set<ItemSet>& out) {
-  insertSets(graph(), LatticeSearch(graph()).maximal(minCount), out);
-  return status_;
+  return caughtStatus([&] {
+    insertSets(graph(), LatticeSearch(graph()).maximal(minCount), out);
+    return status_;
+  });
 }

@@ -22,7 +22,8 @@ constexpr int kMiningFloor = 8;
 constexpr int kToolFloor = 10;
 
 // What dictionary, rules and engine share of korassoc/engine: file names without their ending.
-constexpr std::array<std::string_view, 13> kVocabulary = {"AssociationAlgorithmSettings",
+constexpr std::array<std::string_view, 14> kVocabulary = {"AssociationAlgorithmSettings",
+                                                          "Caught",
                                                           "CarmaSettings",
                                                           "CreateRulesReporter",
                                                           "DictionarySettings",

@@ -83,8 +83,9 @@ class Asking : public AllocationHost {
   Given given_;
 };
 
-void failAllocationsOf(const Asking::Query& query) {
+void failAllocationsOf(const Asking::Query& query, bool appends = true) {
   for (const bool full : {false, true}) {
+    if (full && !appends) return;
     SCOPED_TRACE(full ? "appending" : "alone");
     failAllocations([&]() -> std::unique_ptr<Attempt> { return std::make_unique<Asking>(query, full); });
     if (testing::Test::HasFailure()) return;
@@ -149,6 +150,68 @@ TEST(Allocations, OfGetItems) {
   failAllocationsOf([](Engine& engine, SetDictionary&, Asked&, Given& given) {
     return engine.GetItems(nullptr, -1, given.items);
   });
+}
+
+TEST(Allocations, OfTheLatticesRules) {
+  failAllocationsOf([](Engine&, SetDictionary& lattice, Asked&, Given& given) {
+    return lattice.createRules(0.1, 0.2, given.rules, nullptr, false);
+  });
+  failAllocationsOf([](Engine&, SetDictionary& lattice, Asked&, Given& given) {
+    return lattice.createFilteredRules(0, 1, 0.1, 1, 0, 'N', nullptr, nullptr, 0, 9, nullptr, nullptr, 0, 9,
+                                       -1, true, given.rules, nullptr);
+  });
+}
+
+TEST(Allocations, OfTheLatticesConsequents) {
+  failAllocationsOf([](Engine&, SetDictionary& lattice, Asked& asked, Given& given) {
+    return lattice.createConsequents(&asked.two, -1, given.items);
+  });
+  failAllocationsOf([](Engine&, SetDictionary& lattice, Asked&, Given& given) {
+    return lattice.createFilteredConsequents(0, 1, 0.1, 1, 0, 'C', nullptr, nullptr, 0, 9, nullptr, -1,
+                                             given.items, nullptr);
+  });
+}
+
+TEST(Allocations, OfTheLatticesSearches) {
+  failAllocationsOf([](Engine&, SetDictionary& lattice, Asked& asked, Given& given) {
+    return lattice.superSets(asked.one, given.sets);
+  });
+  failAllocationsOf([](Engine&, SetDictionary& lattice, Asked& asked, Given& given) {
+    return lattice.findItemSets(asked.one, 20, 1, 3, given.sets);
+  });
+  failAllocationsOf([](Engine&, SetDictionary& lattice, Asked& asked, Given& given) {
+    return lattice.findItemSets2(asked.one, 20, 100, 1, 3, given.sets);
+  });
+  failAllocationsOf([](Engine&, SetDictionary& lattice, Asked& asked, Given& given) {
+    return lattice.findItemSets3(asked.one, asked.five, 20, 100, 1, 3, given.sets);
+  });
+  failAllocationsOf([](Engine&, SetDictionary& lattice, Asked& asked, Given& given) {
+    return lattice.findItemSetsWithin(asked.five, 20, 100, 1, 3, given.sets);
+  });
+  failAllocationsOf([](Engine&, SetDictionary& lattice, Asked&, Given& given) {
+    return lattice.findMaximalItemSets(25, given.sets);
+  });
+}
+
+TEST(Allocations, OfTheLatticesExports) {
+  failAllocationsOf(
+      [](Engine&, SetDictionary& lattice, Asked&, Given& given) {
+        FixedBuffer buffer;
+        std::ostream out(&buffer);
+        const KorStatus status = lattice.exportRulesXML(out, 0.1, 0.2, nullptr, true);
+        given.number = static_cast<double>(buffer.size());
+        return status;
+      },
+      false);
+  failAllocationsOf(
+      [](Engine&, SetDictionary& lattice, Asked&, Given& given) {
+        FixedBuffer buffer;
+        std::ostream out(&buffer);
+        const KorStatus status = lattice.exportLatticeXML(out, 0.1);
+        given.number = static_cast<double>(buffer.size());
+        return status;
+      },
+      false);
 }
 
 TEST(Allocations, OfQueriesWithoutAStatus) {
