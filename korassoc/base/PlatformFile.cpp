@@ -149,11 +149,16 @@ int openFile(const char* name, int flags) {
   do {
     descriptor = ::open(name, flags, S_IRUSR | S_IWUSR);
   } while (descriptor < 0 && errno == EINTR);
-  if (descriptor < 0 || descriptor > STDERR_FILENO) return descriptor;
-  // A program without standard streams: what it prints must not go into this file.
-  const int higher = ::fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-  ::close(descriptor);
-  return higher;
+  return descriptor;
+}
+
+// The same file under a number that is no standard stream's: in a program that has closed one, what is printed
+// there would go into the file. -1, with the file still open, when there is no such number.
+int pastStandardStreams(int descriptor) {
+  if (descriptor > STDERR_FILENO) return descriptor;
+  const int past = ::fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  if (past >= 0) ::close(descriptor);
+  return past;
 }
 
 // The lock belongs to the opened file, so it tells two objects of one process apart as well.
@@ -178,16 +183,30 @@ bool isNameOf(const char* name, int descriptor) {
          open.st_dev == named.st_dev && open.st_ino == named.st_ino;
 }
 
+void closeOnly(int descriptor) { ::close(descriptor); }
+void closeAndRemove(int descriptor, const char* name) {
+  if (isNameOf(name, descriptor)) ::unlink(name);
+  ::close(descriptor);
+}
+
 int openTemporary(const char* name) {
   const int descriptor = openFile(name, kNew);
-  if (descriptor >= 0) ::unlink(name);
-  return descriptor;
+  if (descriptor < 0) return -1;
+  ::unlink(name);
+  const int past = pastStandardStreams(descriptor);
+  if (past < 0) ::close(descriptor);
+  return past;
 }
 int openNew(const char* name) {
   const int descriptor = openFile(name, kNew);
-  if (descriptor < 0 || lock(descriptor) != Lock::kTaken) return descriptor;
-  ::close(descriptor);  // somebody has met the new file, empty as it was, and uses it now
-  return -1;
+  if (descriptor < 0) return -1;
+  if (lock(descriptor) == Lock::kTaken) {
+    ::close(descriptor);  // somebody has met the new file, empty as it was, and uses it now
+    return -1;
+  }
+  const int past = pastStandardStreams(descriptor);
+  if (past < 0) closeAndRemove(descriptor, name);
+  return past;
 }
 int openOwn(const char* name) {
   struct stat status {};
@@ -197,7 +216,8 @@ int openOwn(const char* name) {
   // Both again with the lock: until then its former user may have removed it.
   if (lock(descriptor) == Lock::kMine && ::fstat(descriptor, &status) == 0 && isOwn(status) &&
       isNameOf(name, descriptor)) {
-    return descriptor;
+    const int past = pastStandardStreams(descriptor);
+    if (past >= 0) return past;
   }
   ::close(descriptor);
   return -1;
@@ -219,11 +239,6 @@ bool setSize(int descriptor, std::uint64_t size) {
     result = ::ftruncate(descriptor, static_cast<Offset>(size));
   } while (result != 0 && errno == EINTR);
   return result == 0;
-}
-void closeOnly(int descriptor) { ::close(descriptor); }
-void closeAndRemove(int descriptor, const char* name) {
-  if (isNameOf(name, descriptor)) ::unlink(name);
-  ::close(descriptor);
 }
 
 #endif

@@ -12,6 +12,7 @@
 #include "tests/support/TemporaryFile.h"
 #if !defined(_WIN32)
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #endif
@@ -127,7 +128,7 @@ TEST(PlatformFile, FollowsNoLink) {
   const TemporaryFile link;
   std::error_code failed;
   std::filesystem::create_symlink(target.name(), link.name(), failed);
-  if (failed) GTEST_SKIP() << "links need a privilege here";
+  if (failed || !std::filesystem::is_symlink(link.name())) GTEST_SKIP() << "no links here";
   EXPECT_EQ(PlatformFile::createNamed(link.name()), nullptr);
   EXPECT_EQ(PlatformFile::openLeftover(link.name()), nullptr);
   EXPECT_EQ(target.contents(), "mine");
@@ -229,6 +230,32 @@ TEST(PlatformFile, IsNoStandardStreamOfAProgramWithoutThem) {
   ASSERT_NE(file, nullptr);
   EXPECT_TRUE(file->write(0, "abc", 3));
   EXPECT_EQ(temporary.contents(), "abc");
+}
+
+TEST(PlatformFile, LeavesNothingWhereOnlyTheStandardStreamsWouldDo) {
+  const TemporaryFile temporary;
+  const TemporaryFile found("found");
+  rlimit before{};
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+  const int saved = dup(STDIN_FILENO);
+  close(STDIN_FILENO);
+  rlimit three = before;
+  three.rlim_cur = 3;
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &three), 0);
+  const auto file = PlatformFile::createNamed(temporary.name());
+  const auto leftover = PlatformFile::openLeftover(found.name());
+  const auto unnamed = PlatformFile::createTemporary("korassoc-test-");
+  setrlimit(RLIMIT_NOFILE, &before);
+  EXPECT_EQ(fcntl(STDIN_FILENO, F_GETFD), -1) << "closed again";
+  if (saved >= 0) {
+    dup2(saved, STDIN_FILENO);
+    close(saved);
+  }
+  EXPECT_EQ(file, nullptr);
+  EXPECT_EQ(leftover, nullptr);
+  EXPECT_EQ(unnamed, nullptr);
+  EXPECT_FALSE(std::filesystem::exists(temporary.name()));
+  EXPECT_EQ(found.contents(), "found");
 }
 
 TEST(PlatformFile, LeavesAFileThatTookItsNameAlone) {
