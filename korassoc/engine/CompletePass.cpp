@@ -252,8 +252,10 @@ CompletePass::Outcome CompletePass::enumerateInParts(Enumerate&& enumerate) {
 }
 
 int CompletePass::countThatFits() {
-  // What the pass has found is a measure of its work, and at most maxSets.
-  const auto mayPass = static_cast<int>(found_.size());
+  // What the pass has found is a measure of its work. A million itemsets take no time worth mentioning.
+  constexpr int kQuicklyFound = 1 << 20;
+  const auto found = static_cast<int>(found_.size());
+  const int mayPass = std::min(std::max(found, kQuicklyFound), limits_.maxSets);
   found_.levels = {};
   passed_ = {};
   blocks_.reset();
@@ -261,7 +263,7 @@ int CompletePass::countThatFits() {
   try {
     ranked_ = items_.rank(firstCount);
     if (ranked_.counts.empty()) return 0;
-    Pulse pulse(watch_, mayPass);
+    Pulse pulse(watch_, found);
     FittingCount fitting(firstCount, ranked_.counts.front(), static_cast<std::size_t>(limits_.maxLength),
                          mayPass, [&pulse] { return pulse.look(); });
     for (const int count : ranked_.counts) fitting.takeItem(count);

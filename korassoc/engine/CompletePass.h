@@ -81,10 +81,10 @@ class CompletePass {
   CompleteItemsets takeItemsets() { return std::move(found_); }
 
   // After kTooManySets: a count of transactions that at most maxSets itemsets reach, usually the least one or
-  // close to it. Reads the source again and takes as long as the pass has taken, in proportion to the sets it
-  // has found, and no memory for them: what run() found is given up. 0 when no count is known: the pass was
-  // cancelled, memory ran out, or too many itemsets are in as many transactions as an item can be. Exceptions
-  // of the source and of the watch are let through.
+  // close to it. Reads the source again. Takes about as long as the pass has taken to find what it has, or to
+  // find a million sets, and no memory for them: what run() found is given up. 0 when no count is known: the
+  // pass was cancelled, memory ran out, or too many itemsets are in as many transactions as an item can be.
+  // Exceptions of the source and of the watch are let through.
   int countThatFits();
 
  private:

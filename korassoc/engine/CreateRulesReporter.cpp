@@ -3,6 +3,7 @@
 int CreateRulesReporter::GetIntValue(const std::string& key) const {
   if (key == "bounds") return bounds_;
   if (key == "setTotal") return setTotal_;
+  if (key == "antecedents") return antecedents_;
   return 0;
 }
 

@@ -6,11 +6,12 @@
 
 #include "korassoc/engine/ProgressReport.h"
 
-// Integer values: "bounds", the sets searched or collected so far, and "setTotal", the sets to go through. No
-// real values.
+// Integer values: "bounds", the sets searched or collected so far; "setTotal", the sets to go through; and
+// "antecedents", those found so far, each of which makes one rule at most. No real values.
 class CreateRulesReporter : public ProgressReport {
  public:
-  CreateRulesReporter(int bounds, int setTotal) : bounds_(bounds), setTotal_(setTotal) {}
+  CreateRulesReporter(int bounds, int setTotal, int antecedents = 0)
+      : bounds_(bounds), setTotal_(setTotal), antecedents_(antecedents) {}
 
   int GetIntValue(const std::string& key) const override;
   double GetDoubleValue(const std::string& key) const override;
@@ -18,4 +19,5 @@ class CreateRulesReporter : public ProgressReport {
  private:
   int bounds_;
   int setTotal_;
+  int antecedents_;
 };

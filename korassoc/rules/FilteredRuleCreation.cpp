@@ -76,11 +76,11 @@ bool FilteredRuleCreation::findAntecedents(const std::vector<int>& candidates, A
   for (int i = 0; goesOn && i < total; ++i) {
     const int whole = candidates[static_cast<std::size_t>(i)];
     goesOn = findAntecedentsOf(whole, tables.antecedents);
-    if (interval != 0 && i % interval == 0) report(i + 1, total);
+    if (interval != 0 && i % interval == 0) report(i + 1, total, tables);
     goesOn = goesOn && dictionary_.isCurrent(graph_);
     if (goesOn) tables.close(whole);
   }
-  report(total, total);
+  report(total, total, tables);
   return goesOn && dictionary_.isCurrent(graph_);
 }
 
@@ -177,9 +177,10 @@ bool FilteredRuleCreation::isWanted(const Consequent& consequent) const {
   return set.isSubsetOf(filter_.consequentAllowed) && filter_.consequentRequired->isSubsetOf(&set);
 }
 
-void FilteredRuleCreation::report(int bounds, int setTotal) const {
+void FilteredRuleCreation::report(int bounds, int setTotal, const AntecedentTables& tables) const {
   if (listener_ == nullptr) return;
-  CreateRulesReporter reporter(bounds, setTotal);
+  CreateRulesReporter reporter(bounds, setTotal,
+                               saturatingInt(static_cast<double>(tables.antecedents.size())));
   listener_->OnProgress(&reporter);
 }
 

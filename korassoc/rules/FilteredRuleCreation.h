@@ -60,7 +60,7 @@ class FilteredRuleCreation {
   void emit(const AntecedentTables& tables, RuleList& rules);
   bool isWanted(const ItemSet& antecedent) const;
   bool isWanted(const Consequent& consequent) const;
-  void report(int bounds, int setTotal) const;
+  void report(int bounds, int setTotal, const AntecedentTables& tables) const;
 
   SetDictionary& dictionary_;
   std::shared_ptr<const LatticeGraph> heldGraph_;  // keeps graph_, whatever the listener does

@@ -91,13 +91,13 @@ bool RuleCreation::findAntecedents(const std::vector<int>& frequent, AntecedentT
     const int whole = frequent[static_cast<std::size_t>(searched)];
     // A set without descriptor ends the work as a stop does, but without the flag.
     goesOn = graph_.descriptor(whole) != nullptr && findAntecedentsOf(whole, filter, tables.antecedents);
-    if (interval != 0 && searched % interval == 0) report(searched + 1, total);
+    if (interval != 0 && searched % interval == 0) report(searched + 1, total, tables);
     goesOn = goesOn && dictionary_.isCurrent(graph_);
     if (!goesOn) break;
     tables.close(whole);
     ++searched;
   }
-  if (interval == 0 || searched % interval != 1) report(searched, total);
+  if (interval == 0 || searched % interval != 1) report(searched, total, tables);
   return goesOn && dictionary_.isCurrent(graph_);
 }
 
@@ -158,9 +158,10 @@ void RuleCreation::emit(const AntecedentTables& tables, RuleList& rules) {
   }
 }
 
-void RuleCreation::report(int bounds, int setTotal) const {
+void RuleCreation::report(int bounds, int setTotal, const AntecedentTables& tables) const {
   if (listener_ == nullptr) return;
-  CreateRulesReporter reporter(bounds, setTotal);
+  CreateRulesReporter reporter(bounds, setTotal,
+                               saturatingInt(static_cast<double>(tables.antecedents.size())));
   listener_->OnProgress(&reporter);
 }
 

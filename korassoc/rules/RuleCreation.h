@@ -39,7 +39,7 @@ class RuleCreation {
   bool findAntecedentsOf(int whole, AntecedentFilter& filter, std::vector<int>& antecedents);
   std::optional<int> largerCount(int whole);
   void emit(const AntecedentTables& tables, RuleList& rules);
-  void report(int bounds, int setTotal) const;
+  void report(int bounds, int setTotal, const AntecedentTables& tables) const;
 
   SetDictionary& dictionary_;
   std::shared_ptr<const LatticeGraph> heldGraph_;  // keeps graph_, whatever the listener does

@@ -247,4 +247,14 @@ TEST_F(FilteredRulesEdge, ReportsEveryIntervalAndAlwaysAtTheEnd) {
   }
 }
 
+// Of ab, ac, bc and abc in turn: 2, 2, 1 and 4, which are the nine rules.
+TEST_F(FilteredRulesEdge, TellsTheAntecedentsFoundSoFar) {
+  lattice.settings.SetReportFrequency(1);
+  std::vector<int> antecedents;
+  TestListener listener(
+      [&](ProgressReport& report) { antecedents.push_back(report.GetIntValue("antecedents")); });
+  ASSERT_TRUE(ask(lattice, Query(), &listener).IsOK());
+  EXPECT_EQ(antecedents, std::vector<int>({2, 4, 5, 9, 9}));
+}
+
 }  // namespace

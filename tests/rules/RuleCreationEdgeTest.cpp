@@ -176,6 +176,18 @@ TEST_F(RuleCreationEdge, ReportsEveryIntervalAndAtTheEnd) {
   }
 }
 
+// The empty set, a, b, c, ab, ac, bc and abc in turn: 11 rules.
+TEST_F(RuleCreationEdge, TellsTheAntecedentsFoundSoFar) {
+  settings.SetReportFrequency(1);
+  build();
+  std::vector<int> antecedents;
+  TestListener listener(
+      [&](ProgressReport& report) { antecedents.push_back(report.GetIntValue("antecedents")); });
+  ASSERT_TRUE(dictionary->createRules(0.1, 0.5, rules, &listener, false).IsOK());
+  EXPECT_EQ(antecedents, std::vector<int>({0, 1, 2, 2, 4, 6, 7, 11, 11}));
+  EXPECT_EQ(rules.size(), 11U);
+}
+
 TEST_F(RuleCreationEdge, StopFromAReportEndsTheCreation) {
   settings.SetReportFrequency(3);
   build();
