@@ -11,6 +11,7 @@
 #include "korassoc/mining/Mining.h"
 #include "korassoc/mining/MiningOptions.h"
 #include "korassoc/mining/Model.h"
+#include "korassoc/mining/Recommender.h"
 #include "korassoc/mining/RuleOrder.h"
 #include "korassoc/mining/RuleQuery.h"
 #include "korassoc/mining/RuleTable.h"
