@@ -8,6 +8,7 @@
 #include "korassoc/engine/ItemsetColumns.h"
 
 korassoc::ItemsetColumns SetDictionary::columns() const {
+  requireWhole();
   korassoc::ItemsetColumns columns;
   const auto add = [&columns](const ItemSet& set, const SetCounter& counter) {
     columns.add({set.getTheArray(), static_cast<std::size_t>(set.length())}, counter.count);

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "korassoc/engine/ItemsetColumns.h"
 #include "tests/support/AllocationHost.h"
 
 namespace {
@@ -26,6 +27,31 @@ class Construction : public AllocationHost {
     EXPECT_EQ(shortForm(engine_->RunPhaseI(1)), "E5");
     engine_.reset();
   }
+};
+
+// An engine around itemsets that were counted elsewhere.
+class ConstructionFromColumns : public AllocationHost {
+ public:
+  ConstructionFromColumns() {
+    makeEngine();
+    EXPECT_EQ(shortForm(engine_->RunPhaseIIcomplete(0.1)), "OK");
+    EXPECT_EQ(shortForm(engine_->GetItemsets(columns_)), "OK");
+    engine_.reset();
+  }
+  KorStatus run() override {
+    engine_.emplace(&settings_, &source_, columns_, 0.1);
+    return engine_->GetStatus();
+  }
+  std::string answer() override {
+    EXPECT_TRUE(engine_->IsLatticeBuilt());
+    expectExactCounts(0, 200);
+    return contents();
+  }
+  bool mayRefuseWith(const KorStatus& status) const override { return status == error(5); }
+  void checkAfterRefusal() override { EXPECT_EQ(engine_->NumberOfSets(), -1); }
+
+ private:
+  korassoc::ItemsetColumns columns_;
 };
 
 // How phase I keeps its sets: packed, as entries, within a limit, with one-item sets on disk.
@@ -56,6 +82,8 @@ class PassHost : public AllocationHost {
     EXPECT_EQ(shortForm(engine_->ExportLatticeXML(stream)), "E40001");
     EXPECT_EQ(shortForm(engine_->SaveStateXML(stream)), "W4");
     EXPECT_EQ(nowhere.size(), 0);
+    korassoc::ItemsetColumns columns;
+    EXPECT_EQ(shortForm(engine_->GetItemsets(columns)), "E40001");
   }
 };
 
@@ -161,6 +189,8 @@ void failAllocationsOf(const Arguments&... arguments) {
 }  // namespace
 
 TEST(Allocations, OfAConstruction) { failAllocationsOf<Construction>(); }
+
+TEST(Allocations, OfAConstructionFromColumns) { failAllocationsOf<ConstructionFromColumns>(); }
 
 TEST(Allocations, OfPhaseI) { failAllocationsOf<PhaseI>(Store::kPacked); }
 TEST(Allocations, OfPhaseIWithEntries) { failAllocationsOf<PhaseI>(Store::kEntries); }

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "korassoc/engine/ItemsetColumns.h"
 #include "tests/support/AllocationHost.h"
 #include "tests/support/TestLattice.h"
 
@@ -23,10 +24,15 @@ struct Given {
   std::vector<ConsequentDescriptor> items;
   std::set<ItemSet> sets;
   std::unique_ptr<SemiLattice> copy;
+  korassoc::ItemsetColumns columns;
   double number = 0.0;
 
   std::string text() const {
     std::string text = textOf(rules) + textOf(items) + textOf(sets) + std::to_string(number) + '\n';
+    for (std::size_t row = 0; row < columns.size(); ++row) {
+      for (const int item : columns.set(row)) text += std::to_string(item) + ' ';
+      text += std::to_string(columns.counts[row]) + '\n';
+    }
     const auto* dictionary = static_cast<const SetDictionary*>(copy.get());
     for (int level = 0; dictionary != nullptr && level <= dictionary->storedLevels(); ++level) {
       dictionary->levelTable(level).forEach([&text](const HashTable::Entry& entry) {
@@ -150,6 +156,11 @@ TEST(Allocations, OfGetItems) {
   failAllocationsOf([](Engine& engine, SetDictionary&, Asked&, Given& given) {
     return engine.GetItems(nullptr, -1, given.items);
   });
+}
+
+TEST(Allocations, OfGetItemsets) {
+  failAllocationsOf(
+      [](Engine& engine, SetDictionary&, Asked&, Given& given) { return engine.GetItemsets(given.columns); });
 }
 
 TEST(Allocations, OfTheLatticesRules) {
