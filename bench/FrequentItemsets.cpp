@@ -10,7 +10,7 @@
 #include <string>
 
 #include "cli/Mining.h"
-#include "cli/input/FileContent.h"
+#include "cli/input/Input.h"
 #include "cli/input/LineReader.h"
 #include "korassoc/korassoc.h"
 
@@ -20,7 +20,7 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "FrequentItemsets FILE COUNT [sets]\n");
     return 2;
   }
-  const BasketInput input = LineReader(std::nullopt).read(FileContent::open(argv[1]));
+  const BasketInput input = LineReader(std::nullopt).read(Input::open(argv[1]));
   Mining mining(input.baskets, SupportOption::parse("COUNT", std::string(argv[2]) + "n"), MiningPlan());
   mining.run();
   if (argc < 4 || std::strcmp(argv[3], "sets") != 0) {

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "bench/BenchData.h"
-#include "cli/input/FileContent.h"
+#include "cli/input/Input.h"
 #include "cli/input/LineReader.h"
 
 namespace {
@@ -20,7 +20,7 @@ void readFile(benchmark::State& state, const std::string& path) {
   }
   std::size_t baskets = 0;
   for (auto _ : state) {
-    const BasketInput input = LineReader(std::nullopt).read(FileContent::open(path));
+    const BasketInput input = LineReader(std::nullopt).read(Input::open(path));
     baskets = input.baskets.size();
   }
   state.counters["baskets"] = static_cast<double>(baskets);

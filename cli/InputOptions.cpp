@@ -7,7 +7,7 @@
 #include "cli/CliError.h"
 #include "cli/Notes.h"
 #include "cli/Printable.h"
-#include "cli/input/FileContent.h"
+#include "cli/input/Input.h"
 #include "cli/input/LineReader.h"
 #include "cli/output/ItemText.h"
 
@@ -31,7 +31,7 @@ void InputOptions::check() {
                                                labelText(*separatorText_)));
 }
 
-BasketInput InputOptions::read() const { return LineReader(separator_).read(FileContent::open(file_)); }
+BasketInput InputOptions::read() const { return LineReader(separator_).read(Input::open(file_)); }
 
 void InputOptions::report(const BasketInput& input) const {
   note("input         {}: {}\n", file_ == "-" ? "standard input" : printable(file_), input.format);

@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <functional>
 #include <limits>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -51,8 +52,7 @@ std::vector<std::string> argumentsIn(std::string_view text) {
 }
 
 ItemNames namesOf(std::string_view baskets) {
-  MemorySource source(baskets);
-  return LineReader().read(FileContent::take(source, "FILE")).names;
+  return LineReader().read(Input(std::make_unique<MemorySource>(baskets), "FILE")).names;
 }
 
 void checkSide(const SideFilter& side, int leastItems) {

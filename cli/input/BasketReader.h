@@ -6,7 +6,7 @@
 #include <string>
 
 #include "cli/input/Baskets.h"
-#include "cli/input/FileContent.h"
+#include "cli/input/Input.h"
 #include "cli/input/ItemNames.h"
 
 namespace korassoc::cli {
@@ -25,9 +25,9 @@ class BasketReader {
  public:
   virtual ~BasketReader() = default;
 
-  // Reads the whole content. Throws CliError (kInput) with the place of the first thing that cannot be
-  // understood, and when the content holds no basket at all.
-  virtual BasketInput read(const FileContent& content) const = 0;
+  // Reads the whole input. Throws CliError (kInput) with the place of the first thing that cannot be understood,
+  // when the input holds no basket at all, and what Input throws.
+  virtual BasketInput read(Input input) const = 0;
 };
 
 }  // namespace korassoc::cli

@@ -1,11 +1,13 @@
 #include "cli/input/Baskets.h"
 
 #include <algorithm>
+#include <new>
 
 namespace korassoc::cli {
 namespace {
 
 constexpr std::size_t kLeastCapacity = 1024;
+constexpr double kMostReserved = sizeof(std::size_t) < 8 ? 1 << 27 : 16.0 * (1 << 30);
 
 }  // namespace
 
@@ -32,6 +34,15 @@ std::vector<int> Baskets::distinctItems() const {
   distinct.erase(std::unique(distinct.begin(), distinct.end()), distinct.end());
   distinct.shrink_to_fit();
   return distinct;
+}
+
+void BasketBuilder::reserve(double items) {
+  if (items > kMostReserved) return;  // room is made as they come
+  try {
+    grow(0, static_cast<std::size_t>(items));
+  } catch (const std::bad_alloc&) {
+    return;
+  }
 }
 
 void BasketBuilder::grow(std::size_t used, std::size_t capacity) {

@@ -39,8 +39,9 @@ class Baskets {
 // BasketBuilder takes items as they come, line by line, through its one Lines at a time.
 class BasketBuilder {
  public:
-  // How many items are expected, to allocate once. Before the first item.
-  void reserve(std::size_t items) { grow(0, items); }
+  // How many items are expected, to allocate once. Before the first item. A wish: a file may claim any size, so
+  // none is fulfilled that is beyond reason, or beyond the memory there is.
+  void reserve(double items);
 
   std::size_t emptyLines() const { return emptyLines_; }
   std::size_t basketsWithRepeats() const { return basketsWithRepeats_; }

@@ -28,7 +28,7 @@ void binaryMode(int descriptor) { ::_setmode(descriptor, _O_BINARY); }
 std::int64_t readSome(int descriptor, char* to, std::size_t bytes) {
   return ::_read(descriptor, to, static_cast<unsigned int>(bytes));
 }
-std::int64_t positionOf(int descriptor) { return ::_lseeki64(descriptor, 0, SEEK_CUR); }
+std::int64_t seek(int descriptor, std::int64_t to, int from) { return ::_lseeki64(descriptor, to, from); }
 void closeFile(int descriptor) { ::_close(descriptor); }
 bool look(int descriptor, FileInfo& info) { return ::_fstat64(descriptor, &info) == 0; }
 bool isDirectory(const FileInfo& info) { return (info.st_mode & _S_IFMT) == _S_IFDIR; }
@@ -48,7 +48,9 @@ std::int64_t readSome(int descriptor, char* to, std::size_t bytes) {
   } while (got < 0 && errno == EINTR);
   return got;
 }
-std::int64_t positionOf(int descriptor) { return ::lseek(descriptor, 0, SEEK_CUR); }
+std::int64_t seek(int descriptor, std::int64_t to, int from) {
+  return ::lseek(descriptor, static_cast<off_t>(to), from);
+}
 void closeFile(int descriptor) { ::close(descriptor); }
 bool look(int descriptor, FileInfo& info) { return ::fstat(descriptor, &info) == 0; }
 bool isDirectory(const FileInfo& info) { return S_ISDIR(info.st_mode); }
@@ -60,6 +62,10 @@ std::int64_t nanosecondsOf(const FileInfo& info) { return info.st_mtim.tv_nsec; 
 #endif
 #endif
 
+std::int64_t positionOf(int descriptor) {
+  return std::max<std::int64_t>(seek(descriptor, 0, SEEK_CUR), 0);  // a pipe has none
+}
+
 [[noreturn]] void fail(int error) { throw std::system_error(error, std::generic_category()); }
 
 }  // namespace
@@ -68,6 +74,7 @@ InputFile::InputFile(const std::string& path)
     : descriptor_(path == "-" ? kStandardInput : openForReading(path.c_str())) {
   if (descriptor_ < 0) fail(errno);
   binaryMode(descriptor_);
+  start_ = positionOf(descriptor_);
   FileInfo info{};
   // The destructor does not run for an object that is not made.
   const int error = !look(descriptor_, info) ? errno : isDirectory(info) ? EISDIR : 0;
@@ -92,10 +99,16 @@ std::optional<FileStamp> InputFile::stamp() {
   if (!isRegular(info)) return std::nullopt;
   FileStamp stamp;
   stamp.size = static_cast<std::uint64_t>(std::max<std::int64_t>(info.st_size, 0));
-  stamp.position = static_cast<std::uint64_t>(std::max<std::int64_t>(positionOf(descriptor_), 0));
+  stamp.position = static_cast<std::uint64_t>(positionOf(descriptor_));
   stamp.modifiedSeconds = info.st_mtime;
   stamp.modifiedNanoseconds = nanosecondsOf(info);
   return stamp;
+}
+
+bool InputFile::restart() {
+  FileInfo info{};
+  if (!look(descriptor_, info)) fail(errno);
+  return isRegular(info) && seek(descriptor_, start_, SEEK_SET) == start_;
 }
 
 }  // namespace korassoc::cli

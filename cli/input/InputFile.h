@@ -24,7 +24,7 @@ struct FileStamp {
   }
 };
 
-// Where FileContent takes its bytes from. Errors: both throw std::system_error.
+// Where an Input takes its bytes from. Errors: all throw std::system_error.
 class ByteSource {
  public:
   virtual ~ByteSource() = default;
@@ -33,6 +33,8 @@ class ByteSource {
   virtual std::size_t read(char* to, std::size_t bytes) = 0;
   // Nothing for what is no regular file.
   virtual std::optional<FileStamp> stamp() = 0;
+  // Goes back to where reading began. Returns false, with nothing changed, where that cannot be: in a pipe, say.
+  virtual bool restart() = 0;
 };
 
 // An open file, device or pipe.
@@ -47,9 +49,11 @@ class InputFile : public ByteSource {
 
   std::size_t read(char* to, std::size_t bytes) override;
   std::optional<FileStamp> stamp() override;
+  bool restart() override;  // regular files alone
 
  private:
   int descriptor_;
+  std::int64_t start_ = 0;  // standard input may have been read from already
 };
 
 }  // namespace korassoc::cli

@@ -6,12 +6,17 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <memory>
 #include <string>
+#include <utility>
+
+#include "cli/input/ByteOrderMark.h"
 
 namespace korassoc::cli {
 namespace {
 
 constexpr std::size_t kSampleBytes = std::size_t{1} << 16;
+constexpr std::size_t kBlockBytes = std::size_t{1} << 18;
 
 unsigned digitOf(char c) { return static_cast<unsigned char>(c) - unsigned{'0'}; }
 
@@ -116,47 +121,81 @@ struct MarkedLines {
   }
 };
 
-// Scans the text; its last line is copied when no line feed ends it, so that every line the scanner sees has
-// one.
-template <typename Lines>
-bool scanAll(std::string_view text, char mark, BasketBuilder& baskets) {
-  const std::size_t lastEnd = text.rfind('\n');
-  const std::size_t whole = lastEnd == std::string_view::npos ? 0 : lastEnd + 1;
-  if (!Lines::scan(text.data(), text.data() + whole, mark, baskets)) return false;
-  if (whole == text.size()) return true;
-  std::string lastLine(text.substr(whole));
-  lastLine += '\n';
-  return Lines::scan(lastLine.data(), lastLine.data() + lastLine.size(), mark, baskets);
-}
-
 }  // namespace
 
-std::optional<Separator> scanIntegers(std::string_view text, std::optional<Separator> wanted,
-                                      BasketBuilder& baskets) {
-  const std::string_view sample = text.substr(0, kSampleBytes);
-  if (sample.empty()) return std::nullopt;
-  std::optional<Separator> separator = wanted;
-  if (!separator) {
+bool IntegerScanner::scan(std::string_view lines, std::uint64_t textBytes) {
+  if (lines.empty()) return true;
+  if (!separator_) begin(lines.substr(0, kSampleBytes), textBytes);
+  const char* const begin = lines.data();
+  const char* const end = begin + lines.size();
+  if (*separator_ == Separator::kComma || *separator_ == Separator::kSemicolon) {
+    return MarkedLines::scan(begin, end, separatorCharacter(*separator_), baskets_);
+  }
+  if (!BlankLines::scan(begin, end, ' ', baskets_)) return false;
+  tabs_ = tabs_ || lines.find('\t') != std::string_view::npos;
+  spaces_ = spaces_ || lines.find(' ') != std::string_view::npos;
+  return wanted_ != Separator::kTab || !spaces_;  // asked for tabs, spaces are part of labels
+}
+
+std::optional<Separator> IntegerScanner::separator() const {
+  if (wanted_ || separator_ != Separator::kBlanks) return separator_;
+  return tabs_ && !spaces_ ? Separator::kTab : Separator::kBlanks;
+}
+
+void IntegerScanner::begin(std::string_view sample, std::uint64_t textBytes) {
+  separator_ = wanted_;
+  if (!separator_) {
     const std::size_t mark = sample.find_first_of(",;");
-    separator = mark == std::string_view::npos ? Separator::kBlanks
-                : sample[mark] == ','          ? Separator::kComma
-                                               : Separator::kSemicolon;
+    separator_ = mark == std::string_view::npos ? Separator::kBlanks
+                 : sample[mark] == ','          ? Separator::kComma
+                                                : Separator::kSemicolon;
   }
   const auto separators = static_cast<std::size_t>(
       std::count_if(sample.begin(), sample.end(), [](char c) { return digitOf(c) > 9; }));
-  baskets.reserve(static_cast<std::size_t>(
-      static_cast<double>(separators + 1) *
-      (1.03 * static_cast<double>(text.size()) / static_cast<double>(sample.size()))));
-  if (*separator == Separator::kComma || *separator == Separator::kSemicolon) {
-    if (!scanAll<MarkedLines>(text, separatorCharacter(*separator), baskets)) return std::nullopt;
-    return separator;
+  baskets_.reserve(static_cast<double>(separators + 1) *
+                   (1.03 * static_cast<double>(textBytes) / static_cast<double>(sample.size())));
+}
+
+std::optional<Separator> scanIntegers(std::string_view text, std::optional<Separator> wanted,
+                                      BasketBuilder& baskets) {
+  IntegerScanner scanner(wanted, baskets);
+  const std::size_t lastEnd = text.rfind('\n');
+  const std::size_t whole = lastEnd == std::string_view::npos ? 0 : lastEnd + 1;
+  if (!scanner.scan(text.substr(0, whole), text.size())) return std::nullopt;
+  if (whole == text.size()) return scanner.separator();
+  std::string lastLine(text.substr(whole));
+  lastLine += '\n';
+  return scanner.scan(lastLine, lastLine.size()) ? scanner.separator() : std::nullopt;
+}
+
+std::optional<Separator> scanIntegers(Input& input, std::optional<Separator> wanted, BasketBuilder& baskets) {
+  IntegerScanner scanner(wanted, baskets);
+  // With room for a line feed behind the last line.
+  const auto block = std::make_unique_for_overwrite<char[]>(kBlockBytes + 1);
+  std::size_t filled = 0;  // the beginning of a line, and what came last
+  bool first = true;
+  const auto scanUpTo = [&](std::size_t end) {
+    std::string_view lines(block.get(), end);
+    if (std::exchange(first, false)) lines = withoutByteOrderMark(lines);
+    return scanner.scan(lines, std::max<std::uint64_t>(input.expectedBytes(), lines.size()));
+  };
+  for (;;) {
+    if (filled == kBlockBytes) return std::nullopt;  // a line of more is left to those who see it whole
+    const std::size_t got = input.read(block.get() + filled, kBlockBytes - filled);
+    if (got == 0) break;
+    const std::size_t lastEnd = std::string_view(block.get() + filled, got).rfind('\n');
+    filled += got;
+    if (lastEnd == std::string_view::npos) continue;
+    const std::size_t whole = filled - got + lastEnd + 1;
+    if (!scanUpTo(whole)) return std::nullopt;
+    std::memmove(block.get(), block.get() + whole, filled - whole);
+    filled -= whole;
   }
-  if (!scanAll<BlankLines>(text, ' ', baskets)) return std::nullopt;
-  const bool tabs = text.find('\t') != std::string_view::npos;
-  const bool spaces = text.find(' ') != std::string_view::npos;
-  // Asked for tabs, spaces are part of labels.
-  if (wanted == Separator::kTab) return spaces ? std::nullopt : wanted;
-  return wanted || spaces || !tabs ? Separator::kBlanks : Separator::kTab;
+  input.finish();
+  const bool anyLeft = first ? !withoutByteOrderMark({block.get(), filled}).empty() : filled > 0;
+  block[filled] = '\n';
+  if (anyLeft && !scanUpTo(filled + 1)) return std::nullopt;
+  return scanner.separator();
 }
 
 }  // namespace korassoc::cli

@@ -4,11 +4,14 @@
 
 #include <charconv>
 #include <limits>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include "cli/CliError.h"
+#include "cli/input/ByteOrderMark.h"
+#include "cli/input/FileContent.h"
 #include "cli/input/IntegerScanner.h"
 #include "cli/input/LabelScanner.h"
 #include "cli/input/TextPlace.h"
@@ -16,7 +19,6 @@
 namespace korassoc::cli {
 namespace {
 
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view kShape =
     "give one transaction a line, its items separated by commas, semicolons, "
     "tabs or blanks";
@@ -42,46 +44,78 @@ std::optional<std::vector<int>> plainIntegers(const LabelTable& labels) {
   return integers;
 }
 
-}  // namespace
+// What the lines of an input hold.
+struct Reading {
+  BasketBuilder baskets;
+  ItemNames names;  // when they are labels
+  Separator separator = Separator::kBlanks;
+  std::size_t emptyItems = 0;
+};
 
-BasketInput LineReader::read(const FileContent& content) const {
-  std::string_view text = content.bytes();
-  if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) text.remove_prefix(kByteOrderMark.size());
-  if (text.empty()) failAt(content.name(), text, 0, fmt::format("the input is empty; {}", kShape));
+// Reads a text as labels, which may all be plain integers.
+Reading readLabels(const std::string& name, std::string_view text, std::optional<Separator> wanted) {
+  if (const auto fault = findTextFault(text)) failAt(name, text, fault->position, fault->what);
+  Reading lines;
+  lines.separator = wanted ? *wanted : recogniseSeparator(text);
+  LabelTable labels;
+  LabelScanner scanner(name, text, lines.separator);
+  scanner.scan(lines.baskets, labels);
+  lines.emptyItems = scanner.emptyItems();
+  if (const auto integers = plainIntegers(labels)) {
+    lines.baskets.renumber(*integers);
+  } else {
+    lines.baskets.renumber(labels.sort());
+    lines.names = ItemNames::labels(std::move(labels));
+  }
+  return lines;
+}
 
-  BasketInput input;
-  BasketBuilder builder;
-  std::optional<Separator> separator = scanIntegers(text, separator_, builder);
-  if (!separator) {
-    builder = BasketBuilder();
-    if (const auto fault = findTextFault(text)) failAt(content.name(), text, fault->position, fault->what);
-    separator = separator_ ? separator_ : recogniseSeparator(text);
-    LabelTable labels;
-    LabelScanner scanner(content.name(), text, *separator);
-    scanner.scan(builder, labels);
-    input.emptyItems = scanner.emptyItems();
-    if (const auto integers = plainIntegers(labels)) {
-      builder.renumber(*integers);
-    } else {
-      builder.renumber(labels.sort());
-      input.names = ItemNames::labels(std::move(labels));
+Reading readLines(Input& input, std::optional<Separator> wanted) {
+  if (input.restart()) {  // what may be read a second time need not be kept the first time
+    Reading lines;
+    if (const auto separator = scanIntegers(input, wanted, lines.baskets)) {
+      lines.separator = *separator;
+      return lines;
+    }
+    if (!input.restart()) {
+      throw CliError(ExitCode::kInput, input.name() +
+                                           ": cannot be read again from its start; give it through a "
+                                           "pipe (cat FILE | korassoc mine -)");
     }
   }
-  input.emptyLines = builder.emptyLines();
-  input.basketsWithRepeats = builder.basketsWithRepeats();
-  input.baskets = builder.take();
-  if (input.baskets.size() == 0) {
-    failAt(content.name(), text, 0,
-           fmt::format("no line holds an item (lines: {}); {}", input.emptyLines, kShape));
+  const FileContent content(input);
+  const std::string_view text = withoutByteOrderMark(content.bytes());
+  if (text.empty()) failAt(content.name(), text, 0, fmt::format("the input is empty; {}", kShape));
+  Reading lines;
+  if (const auto separator = scanIntegers(text, wanted, lines.baskets)) {
+    lines.separator = *separator;
+    return lines;
   }
-  if (input.baskets.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+  return readLabels(content.name(), text, wanted);
+}
+
+}  // namespace
+
+BasketInput LineReader::read(Input input) const {
+  Reading lines = readLines(input, separator_);
+  BasketInput read;
+  read.names = std::move(lines.names);
+  read.emptyItems = lines.emptyItems;
+  read.emptyLines = lines.baskets.emptyLines();
+  read.basketsWithRepeats = lines.baskets.basketsWithRepeats();
+  read.baskets = lines.baskets.take();
+  if (read.baskets.size() == 0) {
+    failAt(input.name(), {}, 0,
+           fmt::format("no line holds an item (lines: {}); {}", read.emptyLines, kShape));
+  }
+  if (read.baskets.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
     throw CliError(ExitCode::kInput, fmt::format("{}: {} transactions, more than 2147483647; split the input",
-                                                 content.name(), input.baskets.size()));
+                                                 input.name(), read.baskets.size()));
   }
-  if (input.names.areNumbers()) input.names = ItemNames::numbers(input.baskets.distinctItems());
-  input.format = fmt::format("{} separated by {} ({})", input.names.areNumbers() ? "integers" : "labels",
-                             separatorName(*separator), separator_ ? "as asked" : "recognised");
-  return input;
+  if (read.names.areNumbers()) read.names = ItemNames::numbers(read.baskets.distinctItems());
+  read.format = fmt::format("{} separated by {} ({})", read.names.areNumbers() ? "integers" : "labels",
+                            separatorName(lines.separator), separator_ ? "as asked" : "recognised");
+  return read;
 }
 
 }  // namespace korassoc::cli

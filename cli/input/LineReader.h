@@ -21,13 +21,15 @@ namespace korassoc::cli {
 // its line. A quote inside an item that does not begin with one is refused, and so is an item of more than
 // 4096 bytes: the separator is surely another one.
 //
-// Plain integers are read by a scanner of their own (IntegerScanner), with the same result.
+// Plain integers are read by a scanner of their own (IntegerScanner), with the same result. It needs no more
+// memory than the baskets where the input can be begun again; else, and for labels, the whole text is held while
+// it is read.
 class LineReader : public BasketReader {
  public:
   // Without a separator it is recognised from the content.
   explicit LineReader(std::optional<Separator> separator = std::nullopt) : separator_(separator) {}
 
-  BasketInput read(const FileContent& content) const override;
+  BasketInput read(Input input) const override;
 
  private:
   std::optional<Separator> separator_;

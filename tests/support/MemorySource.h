@@ -10,11 +10,12 @@
 
 #include "cli/input/InputFile.h"
 
-// Hands out bytes in blocks of at most so many, as a pipe does. The bytes must outlive it.
+// Hands out bytes in blocks of at most so many, either once, as a pipe does, or as often as it is asked to. The
+// bytes must outlive it.
 class MemorySource : public korassoc::cli::ByteSource {
  public:
-  explicit MemorySource(std::string_view bytes, std::size_t longestBlock = 1 << 16)
-      : left_(bytes), longestBlock_(longestBlock) {}
+  explicit MemorySource(std::string_view bytes, std::size_t longestBlock = 1 << 16, bool restarts = false)
+      : bytes_(bytes), left_(bytes), longestBlock_(longestBlock), restarts_(restarts) {}
 
   std::size_t read(char* to, std::size_t bytes) override {
     const std::size_t got = std::min({bytes, left_.size(), longestBlock_});
@@ -23,8 +24,14 @@ class MemorySource : public korassoc::cli::ByteSource {
     return got;
   }
   std::optional<korassoc::cli::FileStamp> stamp() override { return std::nullopt; }
+  bool restart() override {
+    if (restarts_) left_ = bytes_;
+    return restarts_;
+  }
 
  private:
+  std::string_view bytes_;
   std::string_view left_;
   std::size_t longestBlock_;
+  bool restarts_;
 };

@@ -1,6 +1,8 @@
 #include "tests/support/PlainReader.h"
 
 #include <algorithm>
+#include <memory>
+#include <utility>
 
 #include "cli/CliError.h"
 #include "cli/input/LineReader.h"
@@ -258,6 +260,21 @@ std::string differenceIn(const korassoc::cli::BasketInput& input, const PlainBas
   return {};
 }
 
+std::string differenceOf(const PlainBaskets& plain, korassoc::cli::Input input,
+                         std::optional<Separator> wanted) {
+  using namespace korassoc::cli;
+  try {
+    return differenceIn(LineReader(wanted).read(std::move(input)), plain, !wanted);
+  } catch (const CliError& error) {
+    const std::string message = error.what();
+    if (error.code() != ExitCode::kInput) return "another exit code: " + message;
+    if (message.find('\n') != std::string::npos) return "more than one line: " + message;
+    if (plain.refusedAt.empty()) return "plainly it is read, but: " + message;
+    if (message.starts_with("FILE:" + plain.refusedAt + ": ")) return {};
+    return "it is plainly refused at " + plain.refusedAt + ": " + message;
+  }
+}
+
 }  // namespace
 
 PlainBaskets readPlainly(std::string_view text, std::optional<Separator> wanted) {
@@ -273,17 +290,12 @@ PlainBaskets readPlainly(std::string_view text, std::optional<Separator> wanted)
 
 std::string differenceFromPlain(std::string_view text, std::optional<Separator> wanted,
                                 std::size_t longestBlock) {
-  using namespace korassoc::cli;
   const PlainBaskets plain = readPlainly(text, wanted);
-  MemorySource source(text, longestBlock);
-  try {
-    return differenceIn(LineReader(wanted).read(FileContent::take(source, "FILE")), plain, !wanted);
-  } catch (const CliError& error) {
-    const std::string message = error.what();
-    if (error.code() != ExitCode::kInput) return "another exit code: " + message;
-    if (message.find('\n') != std::string::npos) return "more than one line: " + message;
-    if (plain.refusedAt.empty()) return "plainly it is read, but: " + message;
-    if (message.starts_with("FILE:" + plain.refusedAt + ": ")) return {};
-    return "it is plainly refused at " + plain.refusedAt + ": " + message;
+  for (const bool restarts : {true, false}) {
+    auto source = std::make_unique<MemorySource>(text, longestBlock, restarts);
+    const std::string difference =
+        differenceOf(plain, korassoc::cli::Input(std::move(source), "FILE"), wanted);
+    if (!difference.empty()) return difference;
   }
+  return {};
 }

@@ -26,7 +26,7 @@ struct PlainBaskets {
 // One way for labels and integers, line by line and character by character.
 PlainBaskets readPlainly(std::string_view text, std::optional<korassoc::cli::Separator> wanted);
 
-// LineReader on the same text, which comes in blocks of so many bytes, beside that. Returns the first
-// difference in words, "" when there is none.
+// LineReader on the same text, which comes in blocks of so many bytes, beside that: once from a file, once from a
+// pipe. Returns the first difference in words, "" when there is none.
 std::string differenceFromPlain(std::string_view text, std::optional<korassoc::cli::Separator> wanted,
                                 std::size_t longestBlock);
