@@ -142,8 +142,9 @@ void SetDictionary::readTables(Read&& read) {
 // What the level's table would write, tabs in front of each line of an object.
 template <typename Writer, typename Stream, typename... Tabs>
 std::uint64_t SetDictionary::writePacked(int level, Stream& stream, Tabs... tabs) const {
+  const korassoc::detail::PackedLevel* const sets = packedLevel(level);  // the stream may have them unpacked
   Writer writer(stream, countInMemory(level), tabs...);
-  if (const korassoc::detail::PackedLevel* sets = packedLevel(level)) {
+  if (sets != nullptr) {
     sets->forEach(
         [&writer](const ItemSet& set, const CarmaSetDescriptor& descriptor) { writer.add(set, descriptor); });
   }

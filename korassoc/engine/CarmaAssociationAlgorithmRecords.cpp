@@ -122,10 +122,11 @@ void CarmaAssociationAlgorithm::readRecordXML(std::ifstream& stream) {
 
 // Writing goes by references: a stream that calls back may cancel the engine, which takes the pointers away.
 void CarmaAssociationAlgorithm::writeRecord(std::fstream& stream) const {
+  const SetDictionary& dictionary = *dictionary_;
   const CeilArray& ceilings = *ceilings_;
   const CarmaCore& core = *core_;
   settings_->WriteObject(stream);
-  dictionary_->writeObject(stream);
+  dictionary.writeObject(stream);
   BinaryWriter record(stream);
   record.int32(setsRemoved_);
   record.int32(transactionsSeen_);

@@ -135,16 +135,19 @@ TEST(SaveStateXML, RefusesWhatItsStreamCallsBack) {
   EXPECT_EQ(buffer.str(), xmlState(*run.engine));
 }
 
-TEST(SaveStateXML, SurvivesACancelThatItsStreamCarriesOut) {
-  Running run;
-  run.engine->RunPhaseI(23);
-  CallingBuffer buffer([&](int number) {
-    if (number > 1) return;
-    run.engine->Cancel();
-    EXPECT_EQ(shortForm(run.engine->RunNullPhaseII(0.0)), "E1");
-  });
-  std::ostream stream(&buffer);
-  EXPECT_EQ(shortForm(run.engine->SaveStateXML(stream)), "E1");
-  EXPECT_EQ(run.engine->NumberOfSets(), -1);
-  EXPECT_EQ(shortForm(run.engine->RunPhaseI(1)), "E1");
+TEST(SaveState, SurvivesACancelThatItsStreamCarriesOut) {
+  for (const bool xml : {false, true}) {
+    Running run;
+    run.engine->RunPhaseI(23);
+    CallingBuffer buffer([&](int number) {
+      if (number > 1) return;
+      run.engine->Cancel();
+      EXPECT_EQ(shortForm(run.engine->RunNullPhaseII(0.0)), "E1");
+    });
+    std::fstream stream;
+    static_cast<std::ios&>(stream).rdbuf(&buffer);
+    EXPECT_EQ(shortForm(xml ? run.engine->SaveStateXML(stream) : run.engine->SaveState(stream)), "E1");
+    EXPECT_EQ(run.engine->NumberOfSets(), -1);
+    EXPECT_EQ(shortForm(run.engine->RunPhaseI(1)), "E1");
+  }
 }
