@@ -36,6 +36,7 @@ void SetDictionary::replaceDescriptor(HashTable::Entry& entry) {
 }
 
 void SetDictionary::breakOff() {
+  if (isHeld()) return;
   graph_.reset();
   latticeBuilt_ = false;
   brokenOff_ = true;
