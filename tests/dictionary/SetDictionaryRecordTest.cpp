@@ -336,8 +336,9 @@ TEST(SetDictionaryRecord, NeedsNoMemoryForLevelsAndBucketsThatSettingsAskForInVa
   settings.SetInitialHashtableSet23Size(2147483647);
   settings.SetNumberOfFixedSets(2147483647);
   SetDictionary dictionary(2147483647, &settings, true);
-  std::string bytes = "SD" + int32Bytes({2147483647, 1, 1, 2147483647, 0, 2147483647}) + "01";
-  for (int level = 0; level < 1000; ++level) bytes += kEmptyTable;
+  constexpr int kLevels = SetDictionary::kLongestSet + 1;
+  std::string bytes = "SD" + int32Bytes({kLevels - 1, 1, 1, 2147483647, 0, kLevels}) + "01";
+  for (int level = 0; level < kLevels - 1; ++level) bytes += kEmptyTable;
   const Outcome outcome = read(dictionary, bytes);
   EXPECT_TRUE(outcome.refused);
   EXPECT_EQ(outcome.out, "Failure reading Hashtable!\ninputStr: \n");
